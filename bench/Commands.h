@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Options.h"
+
+namespace zm::bench {
+
+/// Compares the XML event readers. Answers 0, or 1 when a reader failed or the readers disagree on what they read.
+int RunXMLEvents(const TOptions& Options);
+
+/// Measures how time and memory of the XML event reader grow with its input. Answers 0, or 1 when a run failed or was
+/// stopped.
+int RunXMLEventsLimits(const TOptions& Options);
+
+}  // namespace zm::bench

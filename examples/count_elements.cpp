@@ -1,0 +1,13 @@
+#include <iostream>
+
+#include "zamrit/zamrit.h"
+
+int main(int, char** Args) {
+  zm::TZmSAXLambdaHandler handler;
+  handler.OnStartElement = [](zm::StringView, zm::StringView, zm::StringView QName, zm::IZmSAXAttributes& Attributes) {
+    std::cout << zm::ToUTF8(QName) << " with " << Attributes.Count() << " attributes\n";
+  };
+  auto reader = zm::Create<zm::TZmSAXXMLReader>();
+  reader->SetHandler(&handler);  // content, lexical and error handler in one
+  reader->ParseFile(Args[1]);
+}
