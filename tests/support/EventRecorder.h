@@ -25,9 +25,7 @@ inline std::string EventText(const char* Name, std::initializer_list<zm::StringV
   return result;
 }
 /// "3:7 " in front of an event at line 3, column 7.
-inline std::string PlaceText(int Line, int Column) {
-  return std::to_string(Line) + ':' + std::to_string(Column) + ' ';
-}
+inline std::string PlaceText(int Line, int Column) { return std::to_string(Line) + ':' + std::to_string(Column) + ' '; }
 /// The class, message and code of what a parse raised.
 inline std::string FailureText(const zm::EZmException& E) {
   const bool isEOF = dynamic_cast<const zm::EZmTextParserEOF*>(&E) != nullptr;

@@ -16,9 +16,9 @@ class TPlainReader {
 
   std::string Parse(zm::StringView Text) {
     FText = Text;
-    FPos = FMark1 = FMark2 = 0;
     FLine = FColumn = 1;
     FDepth = 0;
+    FPos = 0;
     FEvents.clear();
     try {
       ReadDocument();
@@ -32,7 +32,7 @@ class TPlainReader {
 
  private:
   struct TName {
-    zm::String Prefix, Local, QName;
+    zm::StringView Prefix, Local, QName;
   };
   struct TNamespace {
     int Level;
@@ -61,21 +61,23 @@ class TPlainReader {
   void SkipAll(zm::StringView Set) {
     SkipWhile([Set](char16_t c) { return Set.find(c) != Set.npos; });
   }
-  void SkipToClosing(zm::StringView Closer) {
-    do {
-      SkipTo(Closer.substr(0, 1));
-      if (FText.substr(FPos, 3) == Closer) break;
-      Next();
-    } while (!AtEnd());
-  }
   void StepOverTagEnd() {
     SkipTo(u">");
     Next();
   }
-  zm::StringView Cut(std::size_t& Mark) {
-    const auto result = FText.substr(Mark, FPos - Mark);
-    Mark = 0;
-    return result;
+  zm::StringView TextFrom(std::size_t Begin) const { return FText.substr(Begin, FPos - Begin); }
+  zm::StringView TakeTo(zm::StringView Set) {
+    const auto begin = FPos;
+    SkipTo(Set);
+    return TextFrom(begin);
+  }
+  zm::StringView TakeToCloser(zm::StringView Closer) {
+    const auto begin = FPos;
+    for (; !AtEnd(); Next()) {
+      SkipTo(Closer.substr(0, 1));
+      if (FText.substr(FPos, 3) == Closer) break;
+    }
+    return TextFrom(begin);
   }
 
   template <class... TArgs>
@@ -172,32 +174,26 @@ class TPlainReader {
     KeepPlace();
     Expect(u"<");
     Next(2);
-    FMark1 = FPos;
-    SkipTo(u" ?");
-    const auto target = Cut(FMark1);
+    const auto target = TakeTo(u" ?");
     const bool hasData = Current() == u' ';
     SkipAll(hasData ? u" " : u" ?");
-    FMark1 = FPos;
-    if (hasData) SkipTo(u"?");
-    Tell("ProcessingInstruction", {target, Cut(FMark1)});
+    const auto data = hasData ? TakeTo(u"?") : zm::StringView();
+    Tell("ProcessingInstruction", {target, data});
     StepOverTagEnd();
   }
 
   void ReadComment() {
     KeepPlace();
     Next(3);
-    FMark1 = FPos;
-    SkipToClosing(u"-->");
-    if (Lexical) Tell("Comment", {Cut(FMark1)});
+    const auto text = TakeToCloser(u"-->");
+    if (Lexical) Tell("Comment", {text});
     StepOverTagEnd();
   }
 
   void ReadDTD() {
     KeepPlace();
     Next();
-    FMark1 = FPos;
-    SkipTo(u" ");
-    const auto keyword = Cut(FMark1);
+    const auto keyword = TakeTo(u" ");
     if (keyword != u"DOCTYPE") Fail(5, zm::_cZmXMLDOCTypeExpected, keyword);
     TellLexical("StartDTD");
     int brackets = 1;
@@ -216,62 +212,50 @@ class TPlainReader {
     if (opener != u"![CDATA[") Fail(6, zm::_cZmXMLCDATAExpected, opener);
     TellLexical("StartCDATA");
     Next();
-    FMark1 = FPos;
-    SkipToClosing(u"]]>");
-    Tell("Characters", {Cut(FMark1)});
+    const auto text = TakeToCloser(u"]]>");
+    Tell("Characters", {text});
     TellLexical("EndCDATA");
     StepOverTagEnd();
   }
 
   void ReadCharacters() {
     KeepPlace();
-    FMark1 = FPos;
+    const auto begin = FPos;
     bool blank = true;
     do {
       blank = blank && Current() < 33;
       Next();
     } while (Current() != u'<' && !AtEnd());
     if (AtEnd() && SingleRoot) throw zm::EZmTextParserEOF();
-    if (AtEnd()) FMark2 = FPos;
-    if (blank) {
-      Tell("IgnorableWhitespace", {Cut(FMark1)});
-    } else if (FMark2 != 0) {
-      Tell("Characters", {FText.substr(FMark1, FMark2 - FMark1)});
-      Tell("IgnorableWhitespace", {Cut(FMark2)});
-    } else if (FPos != FMark1) {
-      Tell("Characters", {Cut(FMark1)});
-    }
-    FMark1 = FMark2 = 0;
+    Tell(blank ? "IgnorableWhitespace" : "Characters", {TextFrom(begin)});
+    if (AtEnd() && !blank) Tell("IgnorableWhitespace", {u""});
   }
 
   std::string ReadAttributes() {
     KeepPlace();
     std::string attributes;
     do {
-      FMark1 = FMark2 = FPos;
-      SkipTo(u"=:><");
+      const auto begin = FPos;
+      TName name;
+      name.Local = TakeTo(u"=:><");
       ExpectValue();
       if (AtEnd()) break;  // a name that is cut off is no attribute
-      TName name;
       if (Current() == u':') {
-        name.Prefix = Cut(FMark1);
+        name.Prefix = name.Local;
         SkipAll(u":");
-        FMark1 = FPos;
-        SkipTo(u"=><");
+        name.Local = TakeTo(u"=><");
         ExpectValue();
       }
-      name.Local = zm::Trim(Cut(FMark1));
-      name.QName = zm::Trim(Cut(FMark2));
+      name.Local = zm::Trim(name.Local);
+      name.QName = zm::Trim(TextFrom(begin));
       SkipTo(u"\"'><");
       ExpectValue();
-      const char16_t quote[] = {Current(), u'\0'};
+      const char16_t quote = Current();
       Next();
-      FMark1 = FPos;
-      SkipTo({quote, 1});
-      const auto value = Cut(FMark1);
+      const auto value = TakeTo({&quote, 1});
       const bool isKeyword = IsXmlns(name.QName), isPrefixed = !isKeyword && IsXmlns(name.Prefix);
       const auto uri = isKeyword || isPrefixed ? zm::String() : FindURI(name.Prefix);
-      if (isKeyword || isPrefixed) AddNamespace(isKeyword ? zm::String() : name.Local, value);
+      if (isKeyword || isPrefixed) AddNamespace(isKeyword ? zm::StringView() : name.Local, value);
       attributes += EventText("  Attribute", {uri, name.Local, name.QName, value}) + '\n';
       SkipWhile([](char16_t c) { return c == u'"' || c == u'\'' || c <= u' '; });
     } while (!AtEnd() && Current() != u'>' && Current() != u'/');
@@ -280,20 +264,21 @@ class TPlainReader {
 
   TName ReadElementName() {
     const auto inName = [](char16_t c) { return c > u' ' && c != u'>' && c != u'/'; };
+    const auto begin = FPos;
     TName name;
     ExpectNameStart();
-    FMark1 = FMark2 = FPos;
     SkipWhile([inName](char16_t c) { return inName(c) && c != u':' && c != u'<'; });
     if (Current() == u'<') Fail(8, zm::_cZmXMLELMNotClosed, FKeptLine, FKeptColumn);
+    name.Local = TextFrom(begin);
     if (Current() == u':') {
-      name.Prefix = Cut(FMark1);
+      name.Prefix = name.Local;
       Next();
       ExpectNameStart();
-      FMark1 = FPos;
+      const auto local = FPos;
       SkipWhile(inName);
+      name.Local = TextFrom(local);
     }
-    name.Local = Cut(FMark1);
-    name.QName = Cut(FMark2);
+    name.QName = TextFrom(begin);
     SkipAll(u" ");
     return name;
   }
@@ -349,7 +334,7 @@ class TPlainReader {
   }
 
   zm::StringView FText;
-  std::size_t FPos = 0, FMark1 = 0, FMark2 = 0;
+  std::size_t FPos = 0;
   int FLine = 1, FColumn = 1, FKeptLine = 0, FKeptColumn = 0, FDepth = 0;
   bool FUnexpectedEOF = false;
   std::vector<TNamespace> FNamespaces;

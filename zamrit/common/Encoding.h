@@ -17,7 +17,8 @@ inline constexpr unsigned char cZmUTF16LE[2] = {0xFF, 0xFE};
 
 /// The code page of an encoding name, whatever its case. Raises EConvertError naming it when it is unknown.
 std::uint16_t ZmCodePage(StringView Name);
-/// The encoding name of a code page; "UTF-8" for 0, the platform's 8-bit page. Raises EConvertError for an unknown page.
+/// The encoding name of a code page; "UTF-8" for 0, the platform's 8-bit page. Raises EConvertError for an unknown
+/// page.
 String ZmCodePage(std::uint16_t Page);
 
 /// The page that a byte order mark at the stream's position shows (65001, 1200 or 1201), with the position behind the

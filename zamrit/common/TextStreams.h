@@ -42,8 +42,8 @@ class TZmStringStream : public TMemoryStream {
 
   std::uint16_t GetCodePage() const { return FCodePage; }
 
-  /// Appends a text in the stream's page, and moves the position to the end. A surrogate at the end and one at the start
-  /// of the next text make one character.
+  /// Appends a text in the stream's page, and moves the position to the end. A surrogate at the end and one at the
+  /// start of the next text make one character.
   void Add(StringView Text);
   void AddChar(char16_t Char);
 
@@ -67,9 +67,9 @@ class TZmStringStream : public TMemoryStream {
   void AddInPage(StringView Text);
 
   std::uint16_t FCodePage;
-  char16_t FHigh = 0;         // a high surrogate that was added last, and stands in the content as what replaces it
+  char16_t FHigh = 0;          // a high surrogate that was added last, and stands in the content as what replaces it
   std::size_t FHighStart = 0;  // where that stands
-  String FText;               // texts taken over
+  String FText;                // texts taken over
   RawByteString FBytes;
 };
 
@@ -87,8 +87,8 @@ class TZmMemoryStream : public TMemoryStream {
   const void* InPlace(std::uint64_t& Size) override { return InPlaceFor(typeid(TZmMemoryStream), Size); }
 };
 
-/// Stands in front of a stream of UTF-8 text as a stream of UTF-16 little endian: turns what is written to it and what is
-/// read from it, in pieces of any size, and keeps no more than a buffer. It only goes forward.
+/// Stands in front of a stream of UTF-8 text as a stream of UTF-16 little endian: turns what is written to it and what
+/// is read from it, in pieces of any size, and keeps no more than a buffer. It only goes forward.
 class TZmUTF8StreamAdapter : public TStream {
   ZM_OBJECT(TZmUTF8StreamAdapter, TStream)
  public:

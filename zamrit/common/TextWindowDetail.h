@@ -69,6 +69,8 @@ class TTextWindow {
   /// Where the construct being read began; nil when the window has passed it.
   const char* Token = nullptr;
 
+  /// Whether the text stays where it is for good: a block that is its own window.
+  bool Stays() const { return Begin != FBuffer.get(); }
   TStorage Storage() const { return FStorage; }
   std::size_t UnitSize() const { return FStorage == TStorage::Wide ? 2 : 1; }
   /// What the bytes of a single-byte page mean.

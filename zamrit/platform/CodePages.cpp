@@ -178,8 +178,10 @@ using TTable = std::array<char16_t, 256>;
 struct TSingleBytes {
   explicit TSingleBytes(const TTable& Table) : Characters(Table) {
     for (unsigned byte = 0x80; byte < 256; ++byte)
-      if (Table[byte] != cReplacement) Bytes.emplace_back(Table[byte], static_cast<char>(static_cast<unsigned char>(byte)));
-    std::stable_sort(Bytes.begin(), Bytes.end(), [](const auto& left, const auto& right) { return left.first < right.first; });
+      if (Table[byte] != cReplacement)
+        Bytes.emplace_back(Table[byte], static_cast<char>(static_cast<unsigned char>(byte)));
+    std::stable_sort(Bytes.begin(), Bytes.end(),
+                     [](const auto& left, const auto& right) { return left.first < right.first; });
   }
 
   char ByteOf(char16_t Character) const {
@@ -214,7 +216,7 @@ TTable ReadTable(UConverter* Converter) {
 // Tables of the PC pages exchange three control characters that every use of these pages takes as they stand.
 bool AgreesWithASCII(TTable& Table) {
   if (Table[0x1A] == 0x1C && Table[0x1C] == 0x7F && Table[0x7F] == 0x1A)
-    for (const unsigned char c : {0x1A, 0x1C, 0x7F}) Table[c] = c;
+    for (const unsigned c : {0x1Au, 0x1Cu, 0x7Fu}) Table[c] = static_cast<char16_t>(c);
   for (unsigned c = 0; c < 0x80; ++c)
     if (Table[c] != c) return false;
   return true;
@@ -257,9 +259,7 @@ std::uint16_t PlatformPage(std::uint16_t Page) { return Page == 0 ? cUTF8 : Page
 bool IsUTF16(std::uint16_t Page) { return Page == cUTF16LE || Page == cUTF16BE; }
 
 // Whether the units of a UTF-16 page stand in memory with their bytes the other way round.
-bool IsSwapped(std::uint16_t Page) {
-  return (Page == cUTF16LE) != (std::endian::native == std::endian::little);
-}
+bool IsSwapped(std::uint16_t Page) { return (Page == cUTF16LE) != (std::endian::native == std::endian::little); }
 
 void SwapBytes(char16_t* P, const char16_t* End) {
   for (; P != End; ++P) *P = static_cast<char16_t>(*P << 8 | *P >> 8);

@@ -22,8 +22,8 @@ bool IsKnownCodePage(std::uint16_t Page);
 int MaxCharSize(std::uint16_t Page);
 
 /// The 256 characters of a single-byte page that agrees with ASCII below 0x80, U+FFFD for bytes that mean nothing; nil
-/// for every other page. Page 0 answers the table in which each byte is its own code point. Valid as long as the program
-/// runs.
+/// for every other page. Page 0 answers the table in which each byte is its own code point. Valid as long as the
+/// program runs.
 const char16_t* SingleBytePage(std::uint16_t Page);
 
 /// The bytes of a text in a page. A character that the page does not have becomes

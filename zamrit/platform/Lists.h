@@ -65,8 +65,8 @@ class TObjectList : public TObject {
   bool FOwnsObjects;
 };
 
-/// A list of texts, each with an object that the list does not own by itself. Descendants store them. An index outside the list
-/// raises EStringListError.
+/// A list of texts, each with an object that the list does not own by itself. Descendants store them. An index outside
+/// the list raises EStringListError.
 class TStrings : public TPersistent {
   ZM_OBJECT(TStrings, TPersistent)
  public:
@@ -121,8 +121,9 @@ class TStrings : public TPersistent {
 /// What a sorted TStringList does with a text that it has: leave it out, take it too, or raise EStringListError.
 enum TDuplicates { dupIgnore, dupAccept, dupError };
 
-/// A list of texts in memory. Sorted, it keeps their order and finds by halving, and neither Insert nor Put may be used.
-/// Order goes by UTF-16 units, of the folded texts where case is ignored. May also stand on the stack or in a member.
+/// A list of texts in memory. Sorted, it keeps their order and finds by halving, and neither Insert nor Put may be
+/// used. Order goes by UTF-16 units, of the folded texts where case is ignored. May also stand on the stack or in a
+/// member.
 class TStringList : public TStrings {
   ZM_OBJECT(TStringList, TStrings)
  public:
@@ -138,8 +139,8 @@ class TStringList : public TStrings {
   void InsertObject(int Index, StringView Text, TObject* Object) override;
   void Delete(int Index) override;
   void Clear() override;
-  /// In a sorted list returns the index of the text that was there where duplicates are ignored; the object is then left
-  /// to the caller.
+  /// In a sorted list returns the index of the text that was there where duplicates are ignored; the object is then
+  /// left to the caller.
   int AddObject(StringView Text, TObject* Object) override;
   int IndexOf(StringView Text) const override;
 

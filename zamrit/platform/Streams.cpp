@@ -155,15 +155,13 @@ std::int64_t TStream::SeekNowhere(std::int64_t Position, std::int64_t Offset, TS
 THandleStream::THandleStream(int Handle) : FHandle(Handle), FSeekable(::lseek(Handle, 0, SEEK_CUR) >= 0) {}
 
 std::size_t THandleStream::Read(void* Buffer, std::size_t Count) {
-  const auto count =
-      Uninterrupted([&] { return ::read(FHandle, Buffer, std::min(Count, cGreatestTransfer)); });
+  const auto count = Uninterrupted([&] { return ::read(FHandle, Buffer, std::min(Count, cGreatestTransfer)); });
   if (count < 0) RaiseErrno<EReadError>(cReadError);
   return Passed(count);
 }
 
 std::size_t THandleStream::Write(const void* Buffer, std::size_t Count) {
-  const auto count =
-      Uninterrupted([&] { return ::write(FHandle, Buffer, std::min(Count, cGreatestTransfer)); });
+  const auto count = Uninterrupted([&] { return ::write(FHandle, Buffer, std::min(Count, cGreatestTransfer)); });
   if (count < 0) RaiseErrno<EWriteError>(cWriteError);
   return Passed(count);
 }
@@ -175,7 +173,10 @@ std::size_t THandleStream::Passed(std::ptrdiff_t Count) {
 
 std::int64_t THandleStream::Seek(std::int64_t Offset, TSeekOrigin Origin) {
   if (!FSeekable) return SeekNowhere(FPosition, Offset, Origin);
-  const off_t position = ::lseek(FHandle, Offset, Origin == soBeginning ? SEEK_SET : Origin == soEnd ? SEEK_END : SEEK_CUR);
+  const off_t position = ::lseek(FHandle, Offset,
+                                 Origin == soBeginning ? SEEK_SET
+                                 : Origin == soEnd     ? SEEK_END
+                                                       : SEEK_CUR);
   if (position < 0) RaiseErrno<EStreamError>(cSeekError);
   return position;
 }
@@ -204,8 +205,7 @@ std::size_t TCustomMemoryStream::Read(void* Buffer, std::size_t Count) {
 
 std::int64_t TCustomMemoryStream::Seek(std::int64_t Offset, TSeekOrigin Origin) {
   const auto base = static_cast<std::int64_t>(Origin == soBeginning ? 0 : Origin == soEnd ? FSize : FPosition);
-  if (Offset < -base || Offset > std::numeric_limits<std::int64_t>::max() - base)
-    throw EStreamError(cSeekError);
+  if (Offset < -base || Offset > std::numeric_limits<std::int64_t>::max() - base) throw EStreamError(cSeekError);
   FPosition = static_cast<std::size_t>(base + Offset);
   return base + Offset;
 }

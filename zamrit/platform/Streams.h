@@ -36,8 +36,8 @@ class TStream : public TObject {
   void ReadBuffer(void* Buffer, std::size_t Count);
   /// Writes exactly Count bytes, however many writes it takes. Raises EWriteError when the stream takes no more.
   void WriteBuffer(const void* Buffer, std::size_t Count);
-  /// Copies Count bytes from where Source stands, or all of Source from its beginning where Count is 0. Returns how many
-  /// were copied. BufferSize bounds the memory that it takes. Raises EReadError when Source ends before Count.
+  /// Copies Count bytes from where Source stands, or all of Source from its beginning where Count is 0. Returns how
+  /// many were copied. BufferSize bounds the memory that it takes. Raises EReadError when Source ends before Count.
   std::uint64_t CopyFrom(TStream* Source, std::uint64_t Count = 0, std::size_t BufferSize = 1 << 20);
 
   /// The whole content, Size bytes from the beginning on, where it lies in memory and reads as it lies; else nil. Valid

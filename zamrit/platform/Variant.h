@@ -22,12 +22,12 @@ class Variant {
   template <std::same_as<bool> T>
   Variant(T Value) : FValue(Value) {}  // NOLINT(google-explicit-constructor)
   template <std::integral T>
-    requires(!std::same_as<T, bool> && (std::signed_integral<T> || sizeof(T) < sizeof(std::int64_t)))
-  Variant(T Value) : FValue(static_cast<std::int64_t>(Value)) {}  // NOLINT(google-explicit-constructor)
-  Variant(double Value) : FValue(Value) {}                        // NOLINT(google-explicit-constructor)
-  Variant(String Value) : FValue(std::move(Value)) {}             // NOLINT(google-explicit-constructor)
-  Variant(StringView Value) : FValue(String(Value)) {}            // NOLINT(google-explicit-constructor)
-  Variant(const char16_t* Value) : FValue(String(Value)) {}       // NOLINT(google-explicit-constructor)
+  requires(!std::same_as<T, bool> && (std::signed_integral<T> || sizeof(T) < sizeof(std::int64_t))) Variant(T Value)
+      : FValue(static_cast<std::int64_t>(Value)) {}          // NOLINT(google-explicit-constructor)
+  Variant(double Value) : FValue(Value) {}                   // NOLINT(google-explicit-constructor)
+  Variant(String Value) : FValue(std::move(Value)) {}        // NOLINT(google-explicit-constructor)
+  Variant(StringView Value) : FValue(String(Value)) {}       // NOLINT(google-explicit-constructor)
+  Variant(const char16_t* Value) : FValue(String(Value)) {}  // NOLINT(google-explicit-constructor)
 
   /// Whether the value is unassigned.
   bool IsEmpty() const { return std::holds_alternative<std::monostate>(FValue); }

@@ -54,9 +54,9 @@ class THandlerSink {
     FScratch.Attributes.Clear();
   }
   void Attribute(const TXMLName& Name, bool Lasting, StringView URI, Slice Value) {
-    const StringView local = Lasting ? Name.LocalName : Copy(Name.LocalName);
-    const StringView qname = Lasting ? Name.QName : Copy(Name.QName);
-    FScratch.Attributes.AddBorrowed(local, qname, URI, NextText(Value), CDATA);
+    const StringView local = Lasting ? Name.LocalName : FScratch.Texts.Copy(Name.LocalName);
+    const StringView qname = Lasting ? Name.QName : FScratch.Texts.Copy(Name.QName);
+    FScratch.Attributes.AddBorrowed(local, qname, URI, FWiden.Keep(Value, FScratch.Texts), CDATA);
   }
   void StartElement(StringView URI, const TXMLName& Name, bool HasAttributes) {
     Content().StartElement(URI, Name.LocalName, Name.QName, HasAttributes ? FScratch.Attributes : FNoAttributes);
@@ -65,13 +65,17 @@ class THandlerSink {
 
  private:
   // A handler may take another's place from inside an event.
-  IZmSAXContentHandler& Content() const {
-    if (FContent) return *FContent;
-    throw EZmXMLParseError(_cZmXMLNoContentHandler, xecNoContentHandler);
+  ZM_INLINE IZmSAXContentHandler& Content() const {
+    if (!FContent) [[unlikely]]
+      RaiseNoHandler(_cZmXMLNoContentHandler, xecNoContentHandler);
+    return *FContent;
   }
   IZmSAXLexicalHandler& Lexical() const {
-    if (FLexical) return *FLexical;
-    throw EZmXMLParseError(_cZmXMLNoLexicalHandler, xecNoLexicalHandler);
+    if (!FLexical) RaiseNoHandler(_cZmXMLNoLexicalHandler, xecNoLexicalHandler);
+    return *FLexical;
+  }
+  [[noreturn]] ZM_NOINLINE static void RaiseNoHandler(StringView Message, int Code) {
+    throw EZmXMLParseError(Message, Code);
   }
 
   StringView FirstText(Slice Text) {
@@ -79,11 +83,6 @@ class THandlerSink {
     return NextText(Text);
   }
   StringView NextText(Slice Text) { return FWiden(Text, FScratch.Texts); }
-  StringView Copy(StringView Text) {
-    char16_t* const to = FScratch.Texts.Room(Text.size());
-    FScratch.Texts.Take(std::copy(Text.begin(), Text.end(), to));
-    return {to, Text.size()};
-  }
 
   const TZmIntf<IZmSAXContentHandler>& FContent;
   const TZmIntf<IZmSAXLexicalHandler>& FLexical;

@@ -33,6 +33,12 @@ class TTextScratch {
   }
   /// Takes the room up to End.
   void Take(char16_t* End) { FFree = End; }
+  /// A copy of a text.
+  StringView Copy(StringView Text) {
+    char16_t* const to = Room(Text.size());
+    Take(std::copy(Text.begin(), Text.end(), to));
+    return {to, Text.size()};
+  }
   /// Forgets all texts. Keeps the last block, which is the largest.
   void Reset() {
     FFree = FBegin;
@@ -71,7 +77,8 @@ class TWidener {
 
   explicit TWidener(const TTextWindow& Window) : FWindow(Window) {}
 
-  /// A view of the slice, in the scratch or, where the source is UTF-16, in the window.
+  /// A view of the slice that holds until the window moves: in the scratch or, where the source is UTF-16, in the
+  /// window.
   ZM_INLINE StringView operator()(TSlice<Unit> Slice, TTextScratch& Scratch) const {
     const auto size = static_cast<std::size_t>(Slice.End - Slice.Begin);
     if constexpr (S == TStorage::Wide) {
@@ -86,6 +93,12 @@ class TWidener {
       Scratch.Take(end);
       return {to, static_cast<std::size_t>(end - to)};
     }
+  }
+
+  /// A view of the slice that holds until the scratch is reset.
+  ZM_INLINE StringView Keep(TSlice<Unit> Slice, TTextScratch& Scratch) const {
+    const StringView text = (*this)(Slice, Scratch);
+    return S == TStorage::Wide && !FWindow.Stays() ? Scratch.Copy(text) : text;
   }
 
  private:
@@ -397,7 +410,7 @@ class TXMLScanner {
     const U* p = Cursor();
     const U* text = p;
     BeginConstruct(p);
-    bool blank = true;
+    bool blank = IsSpaceOrControl(*p);
     do {
       if (blank) {
         p = Find<Lanes>(p, End(), [](const auto& v) { return Lanes::Not(Lanes::AtMost(v, static_cast<U>(' '))); });
@@ -452,7 +465,7 @@ class TXMLScanner {
         if (*p == U('/')) EndElement(uri, name);
       }
     }
-    SkipToAny<'>'>(p);
+    if (p == End() || *p != U('>')) SkipToAny<'>'>(p);
     if (p != End()) ++p;
     SetCursor(p);
     if (FDepth == 0) {
@@ -480,6 +493,7 @@ class TXMLScanner {
   void ForgetNames() {
     FElementNames.Clear();
     FAttributeNames.Clear();
+    FElementName = FAttributeName = TNameCache::Unlisted();
     FOpen.fill(nullptr);
     FNext = &FFirstElement;
     FFirstElement = nullptr;
@@ -558,6 +572,7 @@ class TXMLScanner {
         SkipTo(P, value, [quote](const auto& v) { return Lanes::Eq(v, quote); });
       }
       AddAttribute(name, {value, P});
+      if (P != End()) ++P;
       SkipWhile(P, [](U c) { return IsSpaceOrControl(c) || c == U('"') || c == U('\''); });
       if (P == End() || *P == U('>') || *P == U('/')) return P;
     }
