@@ -217,17 +217,15 @@ void TTextWindow::MakeRoom(const char*& Keep) {
   if (FStorage == TStorage::UTF8)
     for (int i = 0; i < 3 && from > Begin && IsTrail(*from); ++i) --from;
   const std::ptrdiff_t keep = Keep - from;
-  if (from != Begin) Forget(from);
   const std::size_t kept = static_cast<std::size_t>(End - from) + FLoose;
+  const bool grows = !FBuffer || kept > FCapacity / 2;
+  const std::size_t capacity = !FBuffer ? cFirstWindow : grows ? std::max(FCapacity * 2, cFullWindow) : FCapacity;
+  auto bigger = grows ? std::make_unique_for_overwrite<char[]>(capacity + cPad) : nullptr;
+  if (from != Begin) Forget(from);
   const std::ptrdiff_t token = Token ? Token - from : -1;
-  if (!FBuffer || kept > FCapacity / 2) {
-    FCapacity = FBuffer ? std::max(FCapacity * 2, cFullWindow) : cFirstWindow;
-    auto bigger = std::make_unique_for_overwrite<char[]>(FCapacity + cPad);
-    if (kept) std::memcpy(bigger.get(), from, kept);
-    FBuffer = std::move(bigger);
-  } else {
-    std::memmove(FBuffer.get(), from, kept);
-  }
+  if (kept) std::memmove(grows ? bigger.get() : FBuffer.get(), from, kept);
+  if (grows) FBuffer = std::move(bigger);
+  FCapacity = capacity;
   Begin = FBuffer.get();
   End = Begin + (kept - FLoose);
   Readable = Begin + FCapacity + cPad;

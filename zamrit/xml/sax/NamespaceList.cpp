@@ -8,11 +8,12 @@ namespace zm {
 
 void TZmSAXNamespaceList::AddURI(int Level, StringView Prefix, StringView URI) {
   auto entry = std::make_unique<TEntry>(TEntry{{Level, String(Prefix), String(URI)}, ++FGeneration, nullptr});
+  TEntry* const added = entry.get();
   TEntry*& innermost = FInnermost[FoldCase(Prefix)];
-  entry->Outer = innermost;
-  if (innermost) innermost->Inner = entry.get();
-  innermost = entry.get();
-  FLevels[Level].push_back(std::move(entry));
+  FLevels[Level].push_back(std::move(entry));  // the last step that can fail: what follows ties the entry in
+  added->Outer = innermost;
+  if (innermost) innermost->Inner = added;
+  innermost = added;
   FDeepest = std::max(FDeepest, Level);
   if (auto* handler = FOwner ? FOwner->GetContentHandler() : nullptr) handler->StartPrefixMapping(Prefix, URI);
 }

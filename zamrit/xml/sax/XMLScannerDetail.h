@@ -55,8 +55,9 @@ class TTextScratch {
   ZM_NOINLINE char16_t* NewBlock(std::size_t Units) {
     const std::size_t size =
         std::max({static_cast<std::size_t>(cFirst), 2 * static_cast<std::size_t>(FEnd - FBegin), Units});
+    auto block = std::make_unique_for_overwrite<char16_t[]>(size);
     if (FBlock) FOlder.push_back(std::move(FBlock));
-    FBlock = std::make_unique_for_overwrite<char16_t[]>(size);
+    FBlock = std::move(block);
     FBegin = FFree = FBlock.get();
     FEnd = FBegin + size;
     return FFree;
