@@ -37,8 +37,9 @@ struct TAllWays {
 
   TAllWays(const std::vector<std::string>& Documents, const TSetup& Setup) {
     for (const bool pieces : {false, true}) {
+      TEventRecorder recorder;
       zm::TZmSAXXMLReader reader;
-      TEventRecorder recorder(&reader);
+      recorder.Locator = &reader;
       reader.SetHandler(&recorder);
       if (!Setup.Lexical) reader.SetLexicalHandler(nullptr);
       reader.SetCheckSingleRootElement(Setup.SingleRoot);

@@ -34,6 +34,7 @@ inline std::string FailureText(const zm::EZmException& E) {
 }
 
 /// Writes every event as a line into Text, with the place that Locator tells at that moment in front, if there is one.
+/// Must outlive the reader that it is set in, or be taken out of it.
 struct TEventRecorder : zm::TZmSAXDefaultHandler {
   explicit TEventRecorder(zm::IZmSAXLocator* ALocator = nullptr) : Locator(ALocator) {}
 
@@ -96,5 +97,6 @@ std::string EventsOf(zm::TZmSAXXMLReader& Reader, const TSource& Source, TPage..
   TEventRecorder recorder(&Reader);
   Reader.SetHandler(&recorder);
   recorder.Read(Reader, Source, Page...);
+  Reader.SetHandler(nullptr);
   return recorder.Text;
 }

@@ -164,11 +164,13 @@ void ReplaceCharacter(const void* Context, UConverterFromUnicodeArgs* Args, cons
   ucnv_cbFromUWriteUChars(Args, &replacement, replacement + 1, 0, Error);
 }
 
+// Nil for a page that ICU names but has no table of.
 TConverterHandle OpenConverter(const char* Name) {
   UErrorCode error = U_ZERO_ERROR;
   TConverterHandle converter(ucnv_open(Name, &error));
-  if (converter) ucnv_setToUCallBack(converter.get(), ReplaceBadBytes, nullptr, nullptr, nullptr, &error);
-  if (U_FAILURE(error)) throw std::bad_alloc();  // the names come from ICU itself
+  if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  if (U_FAILURE(error)) return nullptr;
+  ucnv_setToUCallBack(converter.get(), ReplaceBadBytes, nullptr, nullptr, nullptr, &error);
   return converter;
 }
 
@@ -227,6 +229,7 @@ std::optional<TPage> LoadPage(std::uint16_t Page) {
   const char* name = row ? row->ICUName : CanonicalNameOfNumber(Page);
   if (!name) return std::nullopt;
   const TConverterHandle converter = OpenConverter(name);
+  if (!converter) return std::nullopt;
   const bool unicode = Page == cUTF8 || Page == cUTF16LE || Page == cUTF16BE;  // ICU counts by UTF-16 unit
   TPage page{name, unicode ? 4 : ucnv_getMaxCharSize(converter.get()), std::nullopt};
   if (page.MaxCharSize == 1) {

@@ -24,6 +24,8 @@ void* Allocate(std::size_t Size) {
 
 void* operator new(std::size_t Size) { return Allocate(Size); }
 void* operator new[](std::size_t Size) { return Allocate(Size); }
+void* operator new(std::size_t Size, const std::nothrow_t&) noexcept { return std::malloc(Size ? Size : 1); }
+void* operator new[](std::size_t Size, const std::nothrow_t&) noexcept { return std::malloc(Size ? Size : 1); }
 void operator delete(void* Block) noexcept { std::free(Block); }
 void operator delete[](void* Block) noexcept { std::free(Block); }
 void operator delete(void* Block, std::size_t) noexcept { std::free(Block); }

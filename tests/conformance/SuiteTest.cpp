@@ -1,0 +1,115 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+
+#include "tests/conformance/DataFolder.h"
+#include "tests/support/AllWays.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Every file of the conformance suite and every larger document has a line in suite-outcomes.tsv: its path, whether it
+// was accepted or else the exception's class, code and position, and a hash of its events with their places. It says
+// what this reader does, not what it should do. After a change that is meant, record anew and look at the difference:
+//   ZM_RECORD_OUTCOMES=1 zamrit-tests --gtest_filter=Suite.*
+const fs::path cRecord = fs::path(__FILE__).replace_filename("suite-outcomes.tsv");
+
+/// Remembers the place of the failure beside the events.
+struct TOutcomeRecorder : TEventRecorder {
+  using TEventRecorder::TEventRecorder;
+
+  std::string Place = "-";
+
+  void FatalError(zm::IZmSAXLocator* Where, zm::StringView Message) override {
+    Place = PlaceText(Where->GetLineNr(), Where->GetColNr());
+    Place.pop_back();
+    TEventRecorder::FatalError(Where, Message);
+  }
+};
+
+std::string ShortHash(const std::string& Text) {
+  std::uint32_t hash = 2166136261;
+  for (const char c : Text) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;
+  char digits[9];
+  std::snprintf(digits, sizeof digits, "%08x", hash);
+  return digits;
+}
+
+struct TReading {
+  std::string Events, Outcome;
+};
+
+/// What Parse makes a reader tell.
+template <class F>
+TReading ReadBy(F Parse) {
+  zm::TZmSAXXMLReader reader;
+  TOutcomeRecorder recorder(&reader);
+  reader.SetHandler(&recorder);
+  std::string outcome = "accepted";
+  const auto failed = [&](const char* Class, int Code, const zm::Exception& E) {
+    outcome = std::string(Class) + ' ' + std::to_string(Code) + ' ' + recorder.Place;
+    recorder.Text += E.what();
+  };
+  try {
+    Parse(reader);
+  } catch (const zm::EZmTextParserEOF& e) {
+    failed("EZmTextParserEOF", e.GetCode(), e);
+  } catch (const zm::EZmXMLParseError& e) {
+    failed("EZmXMLParseError", e.GetCode(), e);
+  } catch (const zm::EConvertError& e) {
+    failed("EConvertError", 0, e);
+  }
+  outcome += '\t' + ShortHash(recorder.Text);
+  return {std::move(recorder.Text), std::move(outcome)};
+}
+
+std::map<std::string, std::string> RecordedOutcomes() {
+  std::map<std::string, std::string> outcomes;
+  std::ifstream in(cRecord);
+  for (std::string line; std::getline(in, line);) {
+    const auto tab = line.find('\t');
+    outcomes[line.substr(0, tab)] = line.substr(tab + 1);
+  }
+  return outcomes;
+}
+
+TEST(Suite, EveryFileHasItsRecordedOutcomeHoweverItIsRead) {
+  const auto folder = DataFolder();
+  if (folder.empty()) return;
+
+  std::map<std::string, std::string> outcomes;
+  for (const char* part : {"xml/docs", "xml/xmlconf"}) {
+    for (const auto& entry : fs::recursive_directory_iterator(folder / part)) {
+      if (!entry.is_regular_file()) continue;
+      const auto path = entry.path().lexically_relative(folder).generic_string();
+      const auto whole = ReadBy([&](auto& reader) { reader.ParseFile(entry.path().u16string()); });
+      outcomes[path] = whole.Outcome;
+
+      const auto bytes = BytesOf(entry.path());
+      for (std::size_t size = 1; size <= 5; size++) {
+        const auto pieces = ReadBy([&](auto& reader) {
+          TShortStream stream(bytes, size);
+          const auto page = zm::ZmGetCodePage(&stream);
+          reader.ParseStream(&stream, page);
+        });
+        EXPECT_TRUE(pieces.Events == whole.Events) << path << " in reads of " << size << ": " << pieces.Outcome;
+      }
+    }
+  }
+
+  if (std::getenv("ZM_RECORD_OUTCOMES")) {
+    std::ofstream out(cRecord, std::ios::binary);
+    for (const auto& [path, outcome] : outcomes) out << path << '\t' << outcome << '\n';
+    std::cout << "recorded: the outcomes of " << outcomes.size() << " files\n";
+    return;
+  }
+  auto recorded = RecordedOutcomes();
+  EXPECT_EQ(outcomes.size(), recorded.size());
+  for (const auto& [path, outcome] : outcomes) EXPECT_EQ(outcome, recorded[path]) << path;
+}
+
+}  // namespace
