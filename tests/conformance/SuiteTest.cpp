@@ -3,7 +3,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <map>
+#include <string>
 
 #include "tests/conformance/DataFolder.h"
 #include "tests/support/AllWays.h"

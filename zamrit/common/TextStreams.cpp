@@ -75,7 +75,7 @@ void TZmStringStream::Add(StringView Text) {
   if (Text.empty()) return;
   SetPosition(GetSize());
   String joined;
-  if (FHigh && detail::IsLowSurrogate(Text[0])) {
+  if (FHigh && FSize == FHighEnd && detail::IsLowSurrogate(Text[0])) {
     SetSize(static_cast<std::int64_t>(FHighStart));
     joined.assign(1, FHigh).append(Text);
     Text = joined;
@@ -86,6 +86,7 @@ void TZmStringStream::Add(StringView Text) {
   AddInPage(Text);
   FHighStart = FSize;
   if (cut) AddInPage({&last, 1});
+  FHighEnd = FSize;
   FHigh = cut ? last : u'\0';
 }
 
@@ -94,10 +95,10 @@ void TZmStringStream::AddChar(char16_t Char) { Add({&Char, 1}); }
 void TZmStringStream::AddInPage(StringView Text) {
   if (Text.empty()) return;
   if (cLittleEndian && FCodePage == cZmPageUTF16) {
-    TMemoryStream::Write(Text.data(), Text.size() * 2);
+    WriteBuffer(Text.data(), Text.size() * 2);
   } else {
     const std::string bytes = EncodePage(Text, FCodePage);
-    TMemoryStream::Write(bytes.data(), bytes.size());
+    WriteBuffer(bytes.data(), bytes.size());
   }
 }
 
@@ -116,9 +117,7 @@ TZmMemoryStream::TZmMemoryStream(const void* Block, std::uint64_t Size) {
   Lend(Block, static_cast<std::size_t>(Size), true);
 }
 
-TZmMemoryStream::TZmMemoryStream(std::uint64_t Capacity) {
-  if (Capacity > 0) Reserve(static_cast<std::size_t>(Capacity));
-}
+TZmMemoryStream::TZmMemoryStream(std::uint64_t Capacity) { Reserve(static_cast<std::size_t>(Capacity)); }
 
 void TZmMemoryStream::WriteWord(std::uint16_t Value) {
   const unsigned char bytes[] = {static_cast<unsigned char>(Value & 0xFF), static_cast<unsigned char>(Value >> 8)};

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 
 #include "zamrit/common/Encoding.h"
 #include "zamrit/platform/Objects.h"
@@ -68,8 +69,9 @@ class TZmStringStream : public TMemoryStream {
 
   std::uint16_t FCodePage;
   char16_t FHigh = 0;          // a high surrogate that was added last, and stands in the content as what replaces it
-  std::size_t FHighStart = 0;  // where that stands
-  String FText;                // texts taken over
+  std::size_t FHighStart = 0;  // where that stands, up to the end as it was
+  std::size_t FHighEnd = 0;
+  String FText;  // texts taken over
   RawByteString FBytes;
 };
 

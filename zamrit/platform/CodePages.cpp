@@ -389,15 +389,15 @@ std::string EncodeByICU(StringView Text, const char* ICUName, char16_t Replaceme
 std::uint16_t CodePageOfName(StringView Name) {
   const StringView name = Trim(Name);
   if (CanBeName(name))
-    if (const std::uint16_t page = PageOfName(std::string(name.begin(), name.end()))) return page;
+    if (const std::uint16_t page = PageOfName(std::string(name.begin(), name.end())); FindPage(page)) return page;
   String buffer;
   throw EConvertError(u"Unknown encoding \"%s\"", {CutForMessage(name, buffer)});
 }
 
 String CodePageName(std::uint16_t Page) {
   const std::uint16_t number = PlatformPage(Page);
-  if (const TKnownPage* row = FindRow(number)) return Widen(row->Name);
   const char* canonical = NeedPage(number).ICUName;
+  if (const TKnownPage* row = FindRow(number)) return Widen(row->Name);
   for (const char* standard : {"MIME", "IANA"}) {
     UErrorCode error = U_ZERO_ERROR;
     if (const char* name = ucnv_getStandardName(canonical, standard, &error)) return Widen(name);

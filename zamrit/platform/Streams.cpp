@@ -264,6 +264,7 @@ void TMemoryStream::Grow(std::size_t Value) {
 }
 
 void TMemoryStream::Reserve(std::size_t Value) {
+  if (Value == 0) return;
   const bool lent = FMemory != FOwn;
   auto* own = static_cast<char*>(std::realloc(FOwn, Value));
   if (!own) throw std::bad_alloc();

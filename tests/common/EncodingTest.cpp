@@ -1,0 +1,79 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "tests/support/Pipe.h"
+#include "tests/support/Raised.h"
+#include "zamrit/common/Encoding.h"
+
+namespace {
+
+struct TByteByByte : zm::TMemoryStream {
+  std::size_t Read(void* Buffer, std::size_t Count) override {
+    return TMemoryStream::Read(Buffer, std::min<std::size_t>(Count, 1));
+  }
+};
+
+TEST(Encoding, Marks) {
+  const struct {
+    std::string Bytes;
+    std::uint16_t Page;
+    int MarkSize;
+  } cases[] = {
+      {"\xEF\xBB\xBF<", 65001, 3},
+      {"\xEF\xBB\xBF", 65001, 3},
+      {"\xFF\xFE<", 1200, 2},
+      {"\xFE\xFF", 1201, 2},
+      {"\xEF\xBB", 0, 0},
+      {"\xEF\xBB<", 0, 0},
+      {"\xFF", 0, 0},
+      {"\xFF\xFF", 0, 0},
+      {"\xFE\xFE", 0, 0},
+      {"<a/>", 0, 0},
+      {"", 0, 0},
+  };
+  for (const auto& c : cases)
+    for (const std::string before : {"", "xy"}) {
+      zm::TMemoryStream whole;
+      TByteByByte bytes;
+      const auto start = static_cast<std::int64_t>(before.size());
+      for (auto* stream : {&whole, static_cast<zm::TMemoryStream*>(&bytes)}) {
+        stream->WriteBuffer((before + c.Bytes).data(), before.size() + c.Bytes.size());
+        stream->SetPosition(start);
+        EXPECT_EQ(zm::ZmGetCodePage(stream), c.Page) << c.Bytes;
+        EXPECT_EQ(stream->GetPosition(), start + c.MarkSize) << c.Bytes;
+      }
+    }
+}
+
+TEST(Encoding, MarksInAPipe) {
+  {
+    TPipe pipe;
+    pipe.Out.WriteBuffer("\xEF\xBB\xBF", 3);
+    EXPECT_EQ(zm::ZmGetCodePage(&pipe.In), 65001);
+  }
+  {
+    TPipe pipe;
+    pipe.Out.WriteBuffer("<a/>", 4);
+    EXPECT_EQ(Raised<zm::EStreamError>([&] { zm::ZmGetCodePage(&pipe.In); }), "THandleStream cannot be moved");
+  }
+  TPipe pipe;
+  pipe.CloseOut();
+  EXPECT_EQ(zm::ZmGetCodePage(&pipe.In), 0);
+}
+
+TEST(Encoding, NamesAndConversions) {
+  EXPECT_EQ(zm::ZmCodePage(u"iso-8859-1"), 28591);
+  EXPECT_EQ(zm::ZmCodePage(28591), u"ISO-8859-1");
+  EXPECT_EQ(Raised<zm::EConvertError>([] { zm::ZmCodePage(u"nope"); }), "Unknown encoding \"nope\"");
+  EXPECT_EQ(Raised<zm::EConvertError>([] { zm::ZmCodePage(9); }), "Unknown code page 9");
+  EXPECT_EQ(zm::TZmEncoding::ConvertW(u"\u00E4\u0430", 1252), "\xE4?");
+  EXPECT_EQ(zm::TZmEncoding::ConvertW(u"\u00E4", 0), "\xC3\xA4");
+  EXPECT_EQ(zm::TZmEncoding::ConvertA("\xC3\xA4"), u"\u00E4");
+  EXPECT_EQ(zm::TZmEncoding::ConvertA("\xE4", 1252), u"\u00E4");
+  EXPECT_EQ(zm::TZmEncoding::ConvertA(zm::cZmUTF8, 3, 65001), u"\uFEFF");
+  EXPECT_EQ(zm::TZmEncoding::ConvertA(zm::cZmUTF16LE, -1, 1200), u"");
+}
+
+}  // namespace
