@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <string_view>
 #include <type_traits>
@@ -171,11 +173,6 @@ class TXMLScanner {
   }
 
   // Whether there is a unit at P.
-  ZM_INLINE bool Has(const U*& P, const U*& Keep) {
-    if (P == End()) [[unlikely]]
-      Grow(P, Keep);
-    return P != End();
-  }
   ZM_INLINE bool Has(const U*& P) {
     if (P == End()) [[unlikely]]
       P = Grown(P, P).P;
@@ -183,11 +180,11 @@ class TXMLScanner {
   }
   // Whether Count units can be had from P on.
   ZM_INLINE bool HasUnits(const U*& P, const U*& Keep, std::ptrdiff_t Count) {
-    while (End() - P < Count) [[unlikely]] {
-        const std::ptrdiff_t held = End() - P;
-        Grow(P, Keep);
-        if (End() - P == held) return false;
-      }
+    while (End() - P < Count) {
+      const std::ptrdiff_t held = End() - P;
+      Grow(P, Keep);
+      if (End() - P == held) return false;
+    }
     return true;
   }
 
@@ -480,7 +477,7 @@ class TXMLScanner {
   ZM_INLINE void EndElement(StringView URI, TXMLName& Name) {
     FNext = &Name.AfterEnd;
     FOut.EndElement(URI, Name);
-    FNamespaces.RemoveLevel(FDepth);
+    FNamespaces.RemoveLevel(Level());
     --FDepth;
   }
 
@@ -522,6 +519,7 @@ class TXMLScanner {
       CheckNameStart(begin);
       RaiseNotClosed(P);
     }
+    HasUnits(P, begin, 4);  // so that the checks find a whole character without moving the window
     const TNameCache::TKey key = KeyOf(begin, P);
     if (TXMLName* name = FElementNames.Find(key)) return {name, P};
     CheckNameStart(begin);
@@ -615,8 +613,14 @@ class TXMLScanner {
     FOut.Attribute(Name, lasting, {}, Value);
     const StringView prefix = Name.Role == TNameRole::Prefix ? Name.LocalName : StringView();
     SetCursor(Value.End);
-    FNamespaces.AddURI(FDepth, prefix, FWiden(Value, FTemporary));
+    FNamespaces.AddURI(Level(), prefix, FWiden(Value, FTemporary));
     FTemporary.Reset();
+  }
+
+  // The depth as the namespaces count it, in 32 bits.
+  int Level() const {
+    constexpr std::int64_t least = std::numeric_limits<int>::min(), most = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(FDepth, least, most));
   }
 
   ZM_INLINE StringView URIOf(TXMLName& Name) {
@@ -671,7 +675,7 @@ class TXMLScanner {
   std::array<TXMLName*, cOpen> FOpen{};              // by depth, the element that was begun there last
   TXMLName* FFirstElement = nullptr;
   TXMLName** FNext = &FFirstElement;  // where the guess at the next element stands
-  std::int32_t FDepth = 0;
+  std::int64_t FDepth = 0;
   bool FBehindRoot = false;  // the depth has been 0 once
 };
 
