@@ -61,6 +61,7 @@ TEST(Components, ManyOfOneOwner) {
   std::string log;
   std::vector<zm::TComponent*> parts;
   TPart root(nullptr, u"root", log);
+  parts.reserve(300000);
   for (int i = 0; i < 300000; ++i) parts.push_back(new zm::TComponent(&root));
   for (std::size_t i = 0; i < parts.size(); i += 2) parts[i]->Free();
   EXPECT_EQ(root.GetComponentCount(), 150000);

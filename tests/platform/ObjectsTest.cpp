@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <thread>
 
 #include "zamrit/common/ZmObject.h"
 
@@ -14,7 +13,7 @@ struct IUnused : virtual zm::IZmInterface {
   virtual void Unused() = 0;
 };
 
-// Tells a text of its test what happens to it.
+// Writes down what happens to it.
 class TThing : public zm::TZmObject, public INumber {
   ZM_OBJECT(TThing, zm::TZmObject)
  public:
@@ -39,17 +38,8 @@ class TThing : public zm::TZmObject, public INumber {
 class TBigThing : public TThing {
   ZM_OBJECT(TBigThing, TThing)
  public:
-  explicit TBigThing(std::string& Log, int Number) : TThing(Log, Number * 1000) {}
+  TBigThing(std::string& Log, int Number) : TThing(Log, Number * 1000) {}
 };
-
-TEST(Objects, AreMadeByCreateAndEndedByTheirOwner) {
-  std::string log;
-  {
-    const auto owner = zm::Create<TThing>(log);
-    EXPECT_EQ(log, "made after ");
-  }
-  EXPECT_EQ(log, "made after before gone ");
-}
 
 TEST(Objects, OwnerIsAHold) {
   for (const bool autoDestroy : {true, false}) {
@@ -59,12 +49,12 @@ TEST(Objects, OwnerIsAHold) {
     owner->SetAutoDestroy(autoDestroy);
     EXPECT_EQ(owner->_AddRef(), 2);
     EXPECT_EQ(owner->_Release(), 1);
-
-    { const zm::TZmIntf<INumber> lent(owner); }
-    EXPECT_EQ(log, "made after ") << "the handle that went was not the last hold";
     zm::TZmIntf<INumber> handle(owner);
+    handle = nullptr;
+    EXPECT_EQ(log, "made after ") << "the owner is left";
+    handle = zm::TZmIntf<INumber>(owner);
     owner.reset();
-    EXPECT_EQ(log, "made after ") << "a handle is still out";
+    EXPECT_EQ(log, "made after ") << "the handle is left";
     EXPECT_EQ(handle->Number(), 7);
     handle = nullptr;
     EXPECT_EQ(log, "made after before gone ");
@@ -92,8 +82,6 @@ TEST(Objects, OnTheStackEndWithTheirScope) {
   {
     TThing thing(log);
     survivor = zm::TZmIntf<INumber>(&thing);
-    const auto copy = survivor;
-    EXPECT_EQ(copy->Number(), 7);
     EXPECT_EQ(survivor->_AddRef(), -1);
     EXPECT_EQ(survivor->_Release(), -1);
   }
@@ -104,20 +92,15 @@ TEST(Objects, HandlesCountOncePerHandle) {
   std::string log;
   const auto owner = zm::Create<TThing>(log);
   const auto count = [&owner] { return owner->_AddRef(), owner->_Release(); };
-  zm::TZmIntf<INumber> one(owner), two = one;
-  EXPECT_EQ(count(), 3);
-  EXPECT_EQ(one, two);
-  zm::TZmIntf<INumber> moved = std::move(two);
+  zm::TZmIntf<INumber> one(owner), two = one, moved = std::move(two);
   EXPECT_EQ(count(), 3);
   EXPECT_FALSE(two);  // NOLINT(bugprone-use-after-move): empty is what it has to be
+  EXPECT_EQ(one, moved);
   const auto& same = moved;
   moved = same;
   EXPECT_EQ(count(), 3);
-  moved = one;
   one = nullptr;
   EXPECT_EQ(count(), 2);
-  moved = zm::TZmIntf<INumber>();
-  EXPECT_EQ(count(), 1);
 }
 
 TEST(Objects, AreAskedForTheirInterfaces) {
@@ -135,85 +118,33 @@ TEST(Objects, AreAskedForTheirInterfaces) {
 }
 
 TEST(Objects, MayRefuseToGo) {
-  class TStubborn : public zm::TObject {
-   public:
-    explicit TStubborn(bool& Gone) : FGone(Gone) {}
-    ~TStubborn() override { FGone = true; }
+  struct TStubborn : zm::TObject {
     void BeforeDestruction() override {
       if (Refuses) throw std::runtime_error("no");
     }
     bool Refuses = true;
-
-   private:
-    bool& FGone;
   };
-  bool gone = false;
-  const auto thing = zm::Create<TStubborn>(gone).release();
+  const auto thing = zm::Create<TStubborn>().release();
   EXPECT_THROW(thing->Free(), std::runtime_error);
-  EXPECT_FALSE(gone);
   thing->Refuses = false;
   thing->Free();
-  EXPECT_TRUE(gone);
 }
 
-TEST(Objects, CountInAllThreads) {
-  std::string log;
-  auto owner = zm::Create<TThing>(log);
-  const auto work = [&owner] {
-    for (int i = 0; i < 20000; i++) zm::TZmIntf<INumber> handle(owner);
-  };
-  std::thread other(work);
-  work();
-  other.join();
-  EXPECT_EQ(owner->_AddRef(), 2);
-  EXPECT_EQ(owner->_Release(), 1);
-}
-
-TEST(Classes, HaveNameAndParents) {
-  std::string log;
-  const zm::TZmOwner<zm::TObject> thing = zm::Create<TBigThing>(log, 1);
-  EXPECT_EQ(thing->ClassName(), u"TBigThing");
-  EXPECT_EQ(thing->ClassType(), TBigThing::StaticClass());
-  EXPECT_EQ(TBigThing::StaticClass()->Parent, TThing::StaticClass());
+TEST(Classes, HaveADescriptorThatBuilds) {
   EXPECT_TRUE(TBigThing::StaticClass()->InheritsFrom(zm::TObject::StaticClass()));
   EXPECT_TRUE(TThing::StaticClass()->InheritsFrom(TThing::StaticClass()));
   EXPECT_FALSE(TThing::StaticClass()->InheritsFrom(TBigThing::StaticClass()));
   EXPECT_EQ(zm::TObject::StaticClass()->Parent, nullptr);
-  EXPECT_EQ(zm::TZmComponent::StaticClass()->Parent, zm::TComponent::StaticClass());
-}
 
-TEST(Classes, ReferencesBuildTheirClass) {
-  std::string log;
   using TThingClass = zm::TClassOf<TThing, std::string&, int>;
-  for (const auto& [reference, number] :
-       {std::pair(TThingClass::Of<TThing>(), 3), std::pair(TThingClass::Of<TBigThing>(), 3000)}) {
-    log.clear();
-    const auto thing = reference.Create(log, 3);
-    EXPECT_EQ(thing->ClassType(), reference.Class);
-    EXPECT_EQ(thing->Number(), number);
-    EXPECT_EQ(log, "made after ");
-  }
-}
-
-TEST(Objects, AreAssignedByTheirSource) {
-  class TPoint : public zm::TZmObjectEx {
-   public:
-    int X = 0;
-    void AssignTo(zm::TZmObjectEx* Target) override {
-      if (auto* const point = dynamic_cast<TPoint*>(Target))
-        point->X = X;
-      else
-        TZmObjectEx::AssignTo(Target);
-    }
-  };
-  TPoint from, to;
-  zm::TZmObjectEx other;
-  from.X = 5;
-  to.Assign(&from);
-  EXPECT_EQ(to.X, 5);
-  EXPECT_THROW(other.Assign(&from), zm::EConvertError);
-  EXPECT_THROW(to.Assign(&other), zm::EConvertError);
-  EXPECT_THROW(to.Assign(nullptr), zm::EConvertError);
+  const auto reference = TThingClass::Of<TBigThing>();
+  std::string log;
+  const zm::TZmOwner<TThing> thing = reference.Create(log, 3);
+  EXPECT_EQ(thing->Number(), 3000);
+  EXPECT_EQ(log, "made after ");
+  EXPECT_EQ(thing->ClassName(), u"TBigThing");
+  EXPECT_EQ(thing->ClassType(), reference.Class);
+  EXPECT_EQ(thing->ClassType()->Parent, TThing::StaticClass());
 }
 
 TEST(Exceptions, KeepMessageAndCode) {
@@ -224,7 +155,6 @@ TEST(Exceptions, KeepMessageAndCode) {
   EXPECT_EQ(copy.GetCode(), 3);
   EXPECT_EQ(formatted.GetMessage(), u"a--7");
   EXPECT_EQ(formatted.GetCode(), 4);
-  EXPECT_NE(dynamic_cast<const std::exception*>(&formatted), nullptr);
 }
 
 }  // namespace

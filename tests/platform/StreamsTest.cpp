@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -27,19 +27,17 @@ struct TFolder {
   std::string Path;
 };
 
-// Takes and gives a few bytes at a time, and no more than Room in all.
+// Takes and gives a few bytes at a time, and ten in all.
 struct TScantStream : zm::TMemoryStream {
   std::size_t Read(void* Buffer, std::size_t Count) override {
     return TMemoryStream::Read(Buffer, std::min<std::size_t>(Count, 3));
   }
   std::size_t Write(const void* Buffer, std::size_t Count) override {
-    const std::size_t left = Room - std::min(Room, FPosition);
-    return TMemoryStream::Write(Buffer, std::min<std::size_t>({Count, 3, left}));
+    return TMemoryStream::Write(Buffer, std::min<std::size_t>({Count, 3, 10 - FPosition}));
   }
-  std::size_t Room = 100;
 };
 
-struct TDeafStream : zm::TStream {
+class TDeafStream : public zm::TStream {
   ZM_OBJECT(TDeafStream, zm::TStream)
 };
 
@@ -59,33 +57,20 @@ TEST(Streams, RefuseWhatTheyCannotDo) {
   EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.WriteBuffer(&c, 1); }), "TDeafStream cannot be written");
   EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.GetSize(); }), "TDeafStream cannot be moved");
   EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.SetSize(1); }), "TDeafStream cannot be resized");
-  std::uint64_t size = 1;
-  EXPECT_EQ(stream.InPlace(size), nullptr);
-  EXPECT_EQ(size, 0u);
 }
 
-TEST(Streams, BuffersGoOverShortTransfers) {
-  TScantStream stream;
-  stream.Room = 10;
-  Put(stream, "0123456789");
-  EXPECT_EQ(Raised<zm::EWriteError>([&] { Put(stream, "x"); }), "Stream write error");
-  EXPECT_EQ(Content(stream), "0123456789");
-  char buffer[11];
-  stream.SetPosition(0);
-  EXPECT_EQ(Raised<zm::EReadError>([&] { stream.ReadBuffer(buffer, 11); }), "Stream read error");
-}
-
-TEST(Streams, Copy) {
+TEST(Streams, BuffersAndCopiesGoOverShortTransfers) {
+  TScantStream source;
+  Put(source, "0123456789");
+  EXPECT_EQ(Raised<zm::EWriteError>([&] { Put(source, "x"); }), "Stream write error");
+  EXPECT_EQ(Raised<zm::EReadError>([&] { source.ReadBuffer(std::string(1, ' ').data(), 1); }), "Stream read error");
   const struct {
     std::uint64_t Count;
     std::size_t BufferSize;
     const char* Expected;
-  } cases[] = {{0, 1 << 20, "0123456789"}, {0, 1, "0123456789"}, {0, 0, "0123456789"},
-               {4, 1 << 20, "3456"},       {4, 3, "3456"},       {7, 4, "3456789"}};
+  } cases[] = {{0, 1 << 20, "0123456789"}, {0, 0, "0123456789"}, {4, 1 << 20, "3456"}, {7, 4, "3456789"}};
   for (const auto& c : cases) {
-    TScantStream source;
     zm::TMemoryStream target;
-    Put(source, "0123456789");
     source.SetPosition(3);
     EXPECT_EQ(target.CopyFrom(&source, c.Count, c.BufferSize), std::string(c.Expected).size());
     EXPECT_EQ(Content(target), c.Expected);
@@ -99,48 +84,48 @@ TEST(FileStream, WritesMovesAndCuts) {
   const TFolder folder;
   const std::string name = folder / "\xC3\xA9t\xC3\xA9";
   {
-    zm::TFileStream file(zm::FromUTF8(name), zm::fmCreate | zm::fmOpenRead | zm::fmShareExclusive);
-    EXPECT_EQ(file.GetFileName(), zm::FromUTF8(name));
+    zm::TFileStream file(zm::FromUTF8(name), zm::fmCreate | zm::fmShareExclusive);
     Put(file, "0123456789");
     EXPECT_EQ(file.Seek(-4, zm::soEnd), 6);
     EXPECT_EQ(file.Seek(1, zm::soCurrent), 7);
     EXPECT_EQ(file.GetSize(), 10);
-    EXPECT_EQ(file.GetPosition(), 7);
     EXPECT_EQ(Raised<zm::EStreamError>([&] { file.SetPosition(-1); }), "Stream seek error. Invalid argument");
+    EXPECT_EQ(Raised<zm::EStreamError>([&] { file.SetSize(-1); }), "Stream resize error. Invalid argument");
+    EXPECT_EQ(file.GetPosition(), 7);
     file.SetSize(4);
-    EXPECT_EQ(file.GetPosition(), 4);
     file.SetSize(6);
     EXPECT_EQ(file.GetPosition(), 4);
     EXPECT_EQ(Content(file), std::string("0123\0\0", 6));
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { file.SetSize(-1); }), "Stream resize error. Invalid argument");
   }
-  zm::TFileStream reading(name, zm::fmOpenRead | zm::fmShareDenyWrite);
+  zm::TFileStream reading(name, zm::fmOpenRead), writing(name, zm::fmOpenWrite), both(name, zm::fmOpenReadWrite);
   EXPECT_EQ(Raised<zm::EWriteError>([&] { Put(reading, "x"); }), "Stream write error. Bad file descriptor");
-  zm::TFileStream writing(name, zm::fmOpenWrite);
-  Put(writing, "abc");
   EXPECT_EQ(Raised<zm::EReadError>([&] { Content(writing); }), "Stream read error. Bad file descriptor");
-  zm::TFileStream both(name, zm::fmOpenReadWrite);
-  EXPECT_EQ(Content(both), std::string("abc3\0\0", 6));
+  Put(both, "abc");
+  EXPECT_EQ(Content(reading), std::string("abc3\0\0", 6));
   EXPECT_EQ(zm::TFileStream(name, zm::fmCreate).GetSize(), 0);
 }
 
 TEST(FileStream, SaysWhyAFileCannotBeOpened) {
   const TFolder folder;
-  const std::string none = folder / "none", below = folder / "none/file", nul = folder / "a" + std::string("\0b", 2);
-  const auto open = [](const std::string& name, int mode) {
-    return [=] { zm::TFileStream(name, static_cast<std::uint16_t>(mode)); };
-  };
-  EXPECT_EQ(Raised<zm::EFOpenError>(open(none, zm::fmOpenRead)),
-            "Cannot open file \"" + none + "\". No such file or directory");
-  EXPECT_EQ(Raised<zm::EFOpenError>(open(folder.Path, zm::fmOpenRead)),
-            "Cannot open file \"" + folder.Path + "\". Is a directory");
-  EXPECT_EQ(Raised<zm::EFOpenError>(open(none, 3)), "Cannot open file \"" + none + "\". Invalid argument");
-  EXPECT_EQ(Raised<zm::EFCreateError>(open(folder.Path, zm::fmCreate)),
-            "Cannot create file \"" + folder.Path + "\". Is a directory");
-  EXPECT_EQ(Raised<zm::EFCreateError>(open(below, zm::fmCreate)),
-            "Cannot create file \"" + below + "\". No such file or directory");
-  EXPECT_EQ(Raised<zm::EFCreateError>(open(nul, zm::fmCreate)),
-            "Cannot create file \"" + nul.substr(0, nul.find('\0')));
+  const std::string none = folder / "none";
+  const struct {
+    std::string Name;
+    std::uint16_t Mode;
+    const char* Reason;
+  } cases[] = {{none, zm::fmOpenRead, "No such file or directory"},
+               {none, 3, "Invalid argument"},
+               {folder.Path, zm::fmOpenRead, "Is a directory"},
+               {folder.Path, zm::fmCreate, "Is a directory"},
+               {none + "/a", zm::fmCreate, "No such file or directory"}};
+  for (const auto& c : cases) {
+    const auto open = [&] { zm::TFileStream(c.Name, c.Mode); };
+    const std::string told = " file \"" + c.Name + "\". " + c.Reason;
+    if (c.Mode == zm::fmCreate)
+      EXPECT_EQ(Raised<zm::EFCreateError>(open), "Cannot create" + told);
+    else
+      EXPECT_EQ(Raised<zm::EFOpenError>(open), "Cannot open" + told);
+  }
+  EXPECT_THROW(zm::TFileStream(none + '\0' + "x", zm::fmCreate), zm::EFCreateError);
   EXPECT_TRUE(std::filesystem::is_empty(folder.Path));
 }
 
@@ -154,12 +139,12 @@ TEST(HandleStream, PipeOnlyGoesForward) {
   TPipe pipe;
   Put(pipe.Out, "0123456789");
   EXPECT_EQ(pipe.Out.GetPosition(), 10);
-  char buffer[4];
-  pipe.In.ReadBuffer(buffer, 4);
-  EXPECT_EQ(std::string(buffer, 4), "0123");
+  std::string text(4, ' ');
+  pipe.In.ReadBuffer(text.data(), 4);
+  EXPECT_EQ(text, "0123");
   EXPECT_EQ(pipe.In.Seek(4, zm::soBeginning), 4);
-  for (const auto& [offset, origin] : {std::pair{0, zm::soBeginning}, {1, zm::soCurrent}, {0, zm::soEnd}})
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { pipe.In.Seek(offset, origin); }), "THandleStream cannot be moved");
+  for (const auto& to : {std::pair{0, zm::soBeginning}, {1, zm::soCurrent}, {0, zm::soEnd}})
+    EXPECT_EQ(Raised<zm::EStreamError>([&] { pipe.In.Seek(to.first, to.second); }), "THandleStream cannot be moved");
 }
 
 TEST(HandleStream, SignalsDoNotEndATransfer) {
@@ -176,37 +161,30 @@ TEST(HandleStream, SignalsDoNotEndATransfer) {
   });
   char c = 0;
   EXPECT_EQ(pipe.In.Read(&c, 1), 1u);
-  EXPECT_EQ(c, 'x');
   other.join();
   sigaction(SIGUSR1, &old, nullptr);
 }
 
 TEST(MemoryStream, GrowsAndMoves) {
   zm::TMemoryStream stream;
-  EXPECT_EQ(stream.GetMemory(), nullptr);
-  stream.SetPosition(2);
   char c;
+  stream.SetPosition(2);
   EXPECT_EQ(stream.Read(&c, 1), 0u);
-  EXPECT_EQ(stream.GetSize(), 0);
   Put(stream, "ab");
   EXPECT_EQ(Content(stream), std::string("\0\0ab", 4));
   stream.SetSize(3);
-  EXPECT_EQ(stream.GetPosition(), 3);
   stream.SetSize(5);
   EXPECT_EQ(stream.GetPosition(), 3);
-  EXPECT_EQ(Content(stream), std::string("\0\0a\0\0", 5));
   EXPECT_EQ(stream.Seek(-5, zm::soEnd), 0);
-  for (const auto& [offset, origin] :
-       {std::pair{std::int64_t(-1), zm::soBeginning}, {-6, zm::soEnd}, {INT64_MAX, zm::soEnd}, {INT64_MIN, zm::soEnd}})
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.Seek(offset, origin); }), "Stream seek error");
+  for (const auto to : {std::int64_t(-6), INT64_MIN, INT64_MAX})
+    EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.Seek(to, zm::soEnd); }), "Stream seek error");
+  EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.SetSize(-1); }), "Stream resize error");
   stream.SetPosition(INT64_MAX);
   EXPECT_THROW(stream.Write("x", 1), std::bad_alloc);
-  EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.SetSize(-1); }), "Stream resize error");
   EXPECT_EQ(Content(stream), std::string("\0\0a\0\0", 5));
   stream.Clear();
-  EXPECT_EQ(stream.GetSize(), 0);
   std::string much;
-  for (int i = 0; i < 300000; ++i) {
+  for (int i = 0; i < 100000; ++i) {
     Put(stream, std::to_string(i));
     much += std::to_string(i);
   }
@@ -222,9 +200,7 @@ TEST(MemoryStream, LoadsAndSaves) {
   Put(second, "something longer");
   second.LoadFromFile(name);
   EXPECT_EQ(second.GetPosition(), 0);
-  EXPECT_EQ(Content(second), "content");
   second.SaveToStream(&first);
-  EXPECT_EQ(Content(first), "contentcontent");
   first.SetPosition(5);
   second.LoadFromStream(&first);
   EXPECT_EQ(Content(second), "contentcontent");
@@ -238,11 +214,7 @@ TEST(MemoryStream, InPlaceUnlessADescendantMayReadOtherwise) {
   Put(stream, "abc");
   EXPECT_EQ(stream.InPlace(size), stream.GetMemory());
   EXPECT_EQ(size, 3u);
-  EXPECT_EQ(stream.GetPosition(), 3);
-  TScantStream descendant;
-  Put(descendant, "abc");
-  EXPECT_EQ(descendant.InPlace(size), nullptr);
-  EXPECT_EQ(size, 0u);
+  EXPECT_EQ(TScantStream().InPlace(size), nullptr);
 }
 
 }  // namespace

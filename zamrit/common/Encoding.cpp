@@ -32,7 +32,7 @@ std::uint16_t ZmGetCodePage(TStream* Stream) {
     if (mark == std::end(cMarks)) break;
     if (mark->Bytes == seen) return mark->Page;
   }
-  if (count > 0) Stream->SetPosition(start);
+  Stream->SetPosition(start);
   return 0;
 }
 

@@ -73,7 +73,7 @@ std::size_t TZmStringStream::Write(const void* Buffer, std::size_t Count) {
 
 void TZmStringStream::Add(StringView Text) {
   if (Text.empty()) return;
-  SetPosition(GetSize());
+  FPosition = FSize;
   String joined;
   if (FHigh && FSize == FHighEnd && detail::IsLowSurrogate(Text[0])) {
     SetSize(static_cast<std::int64_t>(FHighStart));

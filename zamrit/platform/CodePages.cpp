@@ -310,11 +310,10 @@ std::uint16_t PageOfName(const std::string& Name) {
 
 constexpr std::size_t cLongestName = 64;
 
-// Names hold letters, digits and some signs; a comma or an equals sign would be an option to ICU.
+// Names are printable ASCII without blanks.
 bool CanBeName(StringView Name) {
-  return !Name.empty() && Name.size() <= cLongestName && std::all_of(Name.begin(), Name.end(), [](char16_t c) {
-    return c > u' ' && c < 0x7F && c != u',' && c != u'=';
-  });
+  return !Name.empty() && Name.size() <= cLongestName &&
+         std::all_of(Name.begin(), Name.end(), [](char16_t c) { return c > u' ' && c < 0x7F; });
 }
 
 StringView CutForMessage(StringView Name, String& Buffer) {

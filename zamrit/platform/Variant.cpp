@@ -4,6 +4,12 @@
 
 namespace zm {
 
+Variant::Variant(const Variant&) = default;
+Variant::Variant(Variant&&) noexcept = default;
+Variant& Variant::operator=(const Variant&) = default;
+Variant& Variant::operator=(Variant&&) noexcept = default;
+Variant::~Variant() = default;
+
 template <class T>
 const T& Variant::As() const {
   if (const T* value = std::get_if<T>(&FValue)) return *value;

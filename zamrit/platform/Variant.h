@@ -29,6 +29,12 @@ class Variant {
   Variant(StringView Value) : FValue(String(Value)) {}       // NOLINT(google-explicit-constructor)
   Variant(const char16_t* Value) : FValue(String(Value)) {}  // NOLINT(google-explicit-constructor)
 
+  Variant(const Variant&);
+  Variant(Variant&&) noexcept;
+  Variant& operator=(const Variant&);
+  Variant& operator=(Variant&&) noexcept;
+  ~Variant();
+
   /// Whether the value is unassigned.
   bool IsEmpty() const { return std::holds_alternative<std::monostate>(FValue); }
   bool IsNull() const { return std::holds_alternative<TNull>(FValue); }
