@@ -14,7 +14,7 @@ static_assert(zm::tsoEqual == 0 && zm::tsoNotEqual == 3 && zm::tsoSmallerEqual =
 // Calls Test with a parser over the bytes: as a block at an even and at an odd address, and as streams of short reads.
 template <class F>
 void EachWay(const std::string& Bytes, std::uint16_t Page, F Test) {
-  for (const std::size_t shift : {0, 1}) {
+  for (const std::size_t shift : {0u, 1u}) {
     SCOPED_TRACE("page " + std::to_string(Page) + ", block");
     const std::string block = std::string(shift, 'x') + Bytes;
     Test(*zm::Create<TZmTextParser>(block.data() + shift, Bytes.size(), Page));
@@ -110,15 +110,6 @@ TEST(TextParser, SelectsBetweenAllPlaces) {
           ASSERT_EQ(parser.PeekString(99), text.substr(to)) << "the cursor stays";
         }
     });
-}
-
-TEST(TextParser, SelectsBytes) {
-  EachSource(u"\u00E9\u20AC!", [](TZmTextParser& parser, std::uint16_t page) {
-    EXPECT_EQ(parser.CurrCharA(), '\xE9');
-    parser.SkipChars(2);
-    EXPECT_EQ(parser.SelectedA(zm::tppMark1, zm::tppCurrentIncl, false),
-              page == 1252 ? "\xE9\x80!" : "\xC3\xA9\xE2\x82\xAC!");
-  });
 }
 
 void SkipAsStored(TZmTextParser& Parser, std::uint16_t Page, zm::TZmTextParserSkipOp Op, char16_t C) {
@@ -293,29 +284,6 @@ TEST(TextParser, CountsALineEndThatAWindowCutsOnce) {
       parser->SkipWhile(zm::tsoNotEqual, u'#');
       EXPECT_EQ(PlaceText(parser->GetLineNr(), parser->GetColNr()), "200001:1 ") << page;
     }
-}
-
-TEST(TextParser, LetsADescendantBindItsOwnReferences) {
-  class TDoubleStep : public TZmTextParser {
-   public:
-    explicit TDoubleStep(std::string_view Bytes) : TZmTextParser(Bytes.data(), Bytes.size(), 0) {
-      TDoubleStep::SetCharacterSetType(FCharacterSetType);
-    }
-    void SetCharacterSetType(zm::TZmCharacterSetType Type) override {
-      TZmTextParser::SetCharacterSetType(Type);
-      Types.push_back(FCharacterSetType);
-      Next.Bind(this, [](TZmTextParser& parser) { parser.ReadChar(), parser.ReadChar(); });
-    }
-    std::vector<zm::TZmCharacterSetType> Types;
-  };
-  const auto parser = zm::Create<TDoubleStep>("abc\xC3\xA9"sv);
-  parser->NextChar();
-  EXPECT_EQ(parser->CurrCharW(), u'c');
-  parser->SetContentCodePage(65001);
-  parser->First();
-  parser->Next();
-  EXPECT_EQ(parser->PeekString(9), u"c\u00E9");
-  EXPECT_EQ(parser->Types, (std::vector{zm::cstAnsi, zm::cstUTF8}));
 }
 
 }  // namespace

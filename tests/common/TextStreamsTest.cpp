@@ -50,26 +50,6 @@ TEST(StringStream, ShowsTheSameTextInEveryForm) {
   EXPECT_EQ(block.GetMemory(), ansi.data());
 }
 
-TEST(StringStream, TextOfOthersIsOnlyRead) {
-  TZmStringStream borrowed(zm::cZmBorrow, u"text"), bytes(zm::cZmBorrow, "ab", 65001), block("ab", 2, 65001);
-  for (auto* stream : {&borrowed, &bytes, &block}) {
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { stream->Add(u"x"); }), "TZmStringStream cannot be written");
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { stream->WriteBuffer("x", 1); }), "TZmStringStream cannot be written");
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { stream->Clear(); }), "TZmStringStream cannot be written");
-  }
-}
-
-TEST(StringStream, TextTakenOverCanBeWritten) {
-  TZmStringStream stream(std::string("0123456789"), 65001);
-  stream.WriteBuffer("ab", 2);
-  EXPECT_EQ(stream.GetPosition(), 2);
-  stream.Add(u"\u00E4");
-  EXPECT_EQ(stream.GetDataString(), "ab23456789\xC3\xA4");
-  stream.Clear();
-  stream.Add(u"x");
-  EXPECT_EQ(stream.GetDataString(), "x");
-}
-
 TEST(StringStream, HalvesOfAPairMeet) {
   const struct {
     std::vector<zm::StringView> Texts;
@@ -93,18 +73,6 @@ TEST(StringStream, HalvesOfAPairMeet) {
   between.SetSize(0);
   between.AddChar(0xDE00);
   EXPECT_EQ(between.GetWString(), u"\uFFFD");
-}
-
-TEST(MemoryStreamOverBlock, ReadsInPlaceAndRefusesToWrite) {
-  const std::string block = "block";
-  zm::TZmMemoryStream lent(block.data(), block.size()), own(1024), empty(0);
-  EXPECT_EQ(lent.GetMemory(), block.data());
-  EXPECT_EQ(Raised<zm::EStreamError>([&] { lent.WriteWord(1); }), "TZmMemoryStream cannot be written");
-  own.WriteWord(0xFEFF);
-  own.WriteWord(0x20AC);
-  EXPECT_EQ(Content(own), "\xFF\xFE\xAC\x20");
-  EXPECT_EQ(empty.CopyFrom(&lent), 5u);
-  EXPECT_EQ(Content(empty), block);
 }
 
 // Pairs, lone surrogates, and more than a buffer of them.
@@ -162,17 +130,5 @@ struct TFailing : zm::TStream {
   std::size_t Write(const void*, std::size_t) override { return 0; }
   bool& Ended;
 };
-
-TEST(UTF8Adapter, FailuresAndOwnership) {
-  bool ended = false;
-  {
-    TZmUTF8StreamAdapter adapter(new TFailing(ended), true, false);
-    EXPECT_EQ(Raised<zm::EWriteError>([&] { adapter.WriteBuffer("a\0", 2); }), "Stream write error");
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { adapter.GetSize(); }), "TZmUTF8StreamAdapter cannot be moved");
-    adapter.WriteBuffer("a", 1);
-    EXPECT_FALSE(ended);
-  }
-  EXPECT_TRUE(ended);
-}
 
 }  // namespace

@@ -40,31 +40,4 @@ TEST(Components, EndWithTheirOwnerLastFirst) {
   EXPECT_EQ(log, "~c-c~root~d~a~b");
 }
 
-TEST(Components, ChangeTheirOwner) {
-  std::string log;
-  TPart first(nullptr, u"1", log), second(nullptr, u"2", log), part(nullptr, u"p", log);
-  first.InsertComponent(&part);
-  second.RemoveComponent(&part);
-  EXPECT_EQ(part.GetOwner(), &first);
-  second.InsertComponent(&part);
-  EXPECT_EQ(part.GetOwner(), &second);
-  EXPECT_EQ(first.GetComponentCount(), 0);
-  second.RemoveComponent(&part);
-  EXPECT_EQ(log, "+p-p+p-p");
-  first.Refuses = true;
-  EXPECT_EQ(Raised<zm::EInvalidPointer>([&] { first.InsertComponent(&part); }), "no");
-  EXPECT_EQ(part.GetOwner(), nullptr);
-  EXPECT_EQ(first.GetComponentCount(), 0);
-}
-
-TEST(Components, ManyOfOneOwner) {
-  std::string log;
-  std::vector<zm::TComponent*> parts;
-  TPart root(nullptr, u"root", log);
-  parts.reserve(300000);
-  for (int i = 0; i < 300000; ++i) parts.push_back(new zm::TComponent(&root));
-  for (std::size_t i = 0; i < parts.size(); i += 2) parts[i]->Free();
-  EXPECT_EQ(root.GetComponentCount(), 150000);
-}
-
 }  // namespace

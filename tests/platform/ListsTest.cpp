@@ -96,21 +96,6 @@ TEST(StringList, TextIsSplitAtEveryKindOfLineEnd) {
   }
 }
 
-TEST(StringList, ValuesByName) {
-  zm::TStringList list;
-  list.SetText(u"Name=1\nnone\n=2\nname=3\nx=a=b");
-  EXPECT_EQ(list.IndexOfName(u"none"), -1);
-  EXPECT_EQ(list.GetName(1), u"");
-  EXPECT_EQ(list.GetValue(u""), u"2");
-  EXPECT_EQ(list.GetValue(u"X"), u"a=b");
-  EXPECT_EQ(list.GetName(4), u"x");
-  list.SetValue(u"name", u"");
-  list.SetValue(u"name", u"4");
-  list.SetValue(u"y", u"");
-  list.SetValue(u"z", u"5");
-  EXPECT_EQ(Lines(list), u"none|=2|name=4|x=a=b|z=5|");
-}
-
 TEST(StringList, SortedOrderAndDuplicates) {
   const struct {
     bool CaseSensitive;
@@ -134,39 +119,6 @@ TEST(StringList, SortedOrderAndDuplicates) {
     for (int i = 0; i < source.GetCount(); ++i) EXPECT_EQ(one.IndexOf(source[i]), filled.IndexOf(source[i]));
     EXPECT_EQ(one.IndexOf(u"c"), -1);
   }
-}
-
-TEST(StringList, SortedRefuses) {
-  zm::TStringList list;
-  list.SetText(u"b\nA");
-  EXPECT_EQ(list.IndexOf(u"a"), 1);
-  list.SetSorted(true);
-  list.SetDuplicates(zm::dupError);
-  EXPECT_EQ(Raised<zm::EStringListError>([&] { list.Add(u"a"); }), "String list does not allow duplicates");
-  EXPECT_EQ(Raised<zm::EStringListError>([&] { list.SetText(u"c\nC"); }), "String list does not allow duplicates");
-  EXPECT_EQ(Raised<zm::EStringListError>([&] { list.Insert(0, u"c"); }), "Operation not allowed on sorted list");
-  EXPECT_EQ(Raised<zm::EStringListError>([&] { list.Put(0, u"c"); }), "Operation not allowed on sorted list");
-  EXPECT_EQ(Raised<zm::EStringListError>([&] { list.Get(2); }), "List index out of bounds (2)");
-  EXPECT_EQ(Lines(list), u"A|b|");
-}
-
-TEST(StringList, ObjectsAndAssign) {
-  std::string log;
-  {
-    zm::TStringList list, copy;
-    list.SetOwnsObjects(true);
-    for (const char name : {'a', 'b', 'c'}) list.AddObject(u"x", new TMortal(name, log));
-    copy.Assign(&list);
-    EXPECT_EQ(copy.GetObject(1), list.GetObject(1));
-    copy.Clear();
-    list.Delete(1);
-    EXPECT_EQ(log, "b");
-  }
-  EXPECT_EQ(log, "bac");
-  zm::TPersistent other;
-  zm::TStringList list;
-  EXPECT_EQ(Raised<zm::EConvertError>([&] { list.Assign(&other); }), "Cannot assign a TPersistent to a TStringList");
-  EXPECT_EQ(Raised<zm::EConvertError>([&] { list.Assign(nullptr); }), "Cannot assign a nil to a TStringList");
 }
 
 }  // namespace

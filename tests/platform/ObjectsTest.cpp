@@ -88,21 +88,6 @@ TEST(Objects, OnTheStackEndWithTheirScope) {
   EXPECT_EQ(log, "made gone ");
 }
 
-TEST(Objects, HandlesCountOncePerHandle) {
-  std::string log;
-  const auto owner = zm::Create<TThing>(log);
-  const auto count = [&owner] { return owner->_AddRef(), owner->_Release(); };
-  zm::TZmIntf<INumber> one(owner), two = one, moved = std::move(two);
-  EXPECT_EQ(count(), 3);
-  EXPECT_FALSE(two);  // NOLINT(bugprone-use-after-move): empty is what it has to be
-  EXPECT_EQ(one, moved);
-  const auto& same = moved;
-  moved = same;
-  EXPECT_EQ(count(), 3);
-  one = nullptr;
-  EXPECT_EQ(count(), 2);
-}
-
 TEST(Objects, AreAskedForTheirInterfaces) {
   std::string log;
   auto owner = zm::Create<TThing>(log);
@@ -145,16 +130,6 @@ TEST(Classes, HaveADescriptorThatBuilds) {
   EXPECT_EQ(thing->ClassName(), u"TBigThing");
   EXPECT_EQ(thing->ClassType(), reference.Class);
   EXPECT_EQ(thing->ClassType()->Parent, TThing::StaticClass());
-}
-
-TEST(Exceptions, KeepMessageAndCode) {
-  const zm::EZmException plain(u"100% \u00E4", 3), formatted(u"%s-%d", {u"a", -7}, 4);
-  const zm::EZmException copy = plain;
-  EXPECT_EQ(copy.GetMessage(), u"100% \u00E4");
-  EXPECT_STREQ(copy.what(), "100% \xC3\xA4");
-  EXPECT_EQ(copy.GetCode(), 3);
-  EXPECT_EQ(formatted.GetMessage(), u"a--7");
-  EXPECT_EQ(formatted.GetCode(), 4);
 }
 
 }  // namespace

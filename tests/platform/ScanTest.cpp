@@ -116,8 +116,8 @@ void TestWidening() {
                                                     {"\xFF", u"\uFFFD"}};
   const TGuarded from, to;
   for (std::size_t offset = 0; offset <= 64; offset++)
-    for (const std::size_t behind : {0, 1, 15, 16, 40})
-      for (const std::size_t spare : {0, 1, 16, 70})
+    for (const std::size_t behind : {0u, 1u, 15u, 16u, 40u})
+      for (const std::size_t spare : {0u, 1u, 16u, 70u})
         for (const auto& [in, out] : odd) {
           const std::string text = std::string(offset, 'x') + in + std::string(behind, 'y');
           zm::String byTable;

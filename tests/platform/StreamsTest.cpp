@@ -50,15 +50,6 @@ std::string Content(zm::TStream& Stream) {
 
 void Put(zm::TStream& Stream, std::string_view Text) { Stream.WriteBuffer(Text.data(), Text.size()); }
 
-TEST(Streams, RefuseWhatTheyCannotDo) {
-  TDeafStream stream;
-  char c = 0;
-  EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.Read(&c, 1); }), "TDeafStream cannot be read");
-  EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.WriteBuffer(&c, 1); }), "TDeafStream cannot be written");
-  EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.GetSize(); }), "TDeafStream cannot be moved");
-  EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.SetSize(1); }), "TDeafStream cannot be resized");
-}
-
 TEST(Streams, BuffersAndCopiesGoOverShortTransfers) {
   TScantStream source;
   Put(source, "0123456789");
@@ -145,65 +136,6 @@ TEST(HandleStream, PipeOnlyGoesForward) {
   EXPECT_EQ(pipe.In.Seek(4, zm::soBeginning), 4);
   for (const auto& to : {std::pair{0, zm::soBeginning}, {1, zm::soCurrent}, {0, zm::soEnd}})
     EXPECT_EQ(Raised<zm::EStreamError>([&] { pipe.In.Seek(to.first, to.second); }), "THandleStream cannot be moved");
-}
-
-TEST(HandleStream, SignalsDoNotEndATransfer) {
-  struct sigaction action = {}, old;
-  action.sa_handler = [](int) {};
-  ASSERT_EQ(sigaction(SIGUSR1, &action, &old), 0);
-  TPipe pipe;
-  std::thread other([&pipe, reader = pthread_self()] {
-    for (int i = 0; i < 5; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-      pthread_kill(reader, SIGUSR1);
-    }
-    Put(pipe.Out, "x");
-  });
-  char c = 0;
-  EXPECT_EQ(pipe.In.Read(&c, 1), 1u);
-  other.join();
-  sigaction(SIGUSR1, &old, nullptr);
-}
-
-TEST(MemoryStream, GrowsAndMoves) {
-  zm::TMemoryStream stream;
-  char c;
-  stream.SetPosition(2);
-  EXPECT_EQ(stream.Read(&c, 1), 0u);
-  Put(stream, "ab");
-  EXPECT_EQ(Content(stream), std::string("\0\0ab", 4));
-  stream.SetSize(3);
-  stream.SetSize(5);
-  EXPECT_EQ(stream.GetPosition(), 3);
-  EXPECT_EQ(stream.Seek(-5, zm::soEnd), 0);
-  for (const auto to : {std::int64_t(-6), INT64_MIN, INT64_MAX})
-    EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.Seek(to, zm::soEnd); }), "Stream seek error");
-  EXPECT_EQ(Raised<zm::EStreamError>([&] { stream.SetSize(-1); }), "Stream resize error");
-  stream.SetPosition(INT64_MAX);
-  EXPECT_THROW(stream.Write("x", 1), std::bad_alloc);
-  EXPECT_EQ(Content(stream), std::string("\0\0a\0\0", 5));
-  stream.Clear();
-  std::string much;
-  for (int i = 0; i < 100000; ++i) {
-    Put(stream, std::to_string(i));
-    much += std::to_string(i);
-  }
-  EXPECT_EQ(Content(stream), much);
-}
-
-TEST(MemoryStream, LoadsAndSaves) {
-  const TFolder folder;
-  const zm::String name = zm::FromUTF8(folder / "file");
-  zm::TMemoryStream first, second;
-  Put(first, "content");
-  first.SaveToFile(name);
-  Put(second, "something longer");
-  second.LoadFromFile(name);
-  EXPECT_EQ(second.GetPosition(), 0);
-  second.SaveToStream(&first);
-  first.SetPosition(5);
-  second.LoadFromStream(&first);
-  EXPECT_EQ(Content(second), "contentcontent");
 }
 
 TEST(MemoryStream, InPlaceUnlessADescendantMayReadOtherwise) {
