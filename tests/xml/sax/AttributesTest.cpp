@@ -90,13 +90,13 @@ TEST_F(Attributes, AreClearedAndFilledAgain) {
     list->Clear();
     EXPECT_EQ(list->FirstAttribute(), nullptr);
     for (int i = 0; i < count; i++) {
-      zm::String name = u"n" + zm::IntToStr(i);
+      zm::String name = zm::Format(u"n%d", {i});
       list->Add(name, name, u"", name, zm::CDATA);
       name.assign(name.size(), u'?');  // the list has its own copy
     }
     EXPECT_EQ(list->Count(), count);
-    for (int i = 0; i < count; i++) ASSERT_EQ(list->GetValue(i), u"n" + zm::IntToStr(i));
-    EXPECT_EQ(list->GetIndex(u"N" + zm::IntToStr(count - 1)), count - 1);
+    for (int i = 0; i < count; i++) ASSERT_EQ(list->GetValue(i), zm::Format(u"n%d", {i}));
+    EXPECT_EQ(list->GetIndex(zm::Format(u"N%d", {count - 1})), count - 1);
     EXPECT_THROW(list->GetAttribute(count), zm::EZmXMLParseError);
   }
 }

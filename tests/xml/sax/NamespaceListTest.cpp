@@ -8,11 +8,11 @@ namespace {
 struct NamespaceList : testing::Test {
   void SetUp() override {
     handler.OnStartPrefixMapping = [this](zm::StringView prefix, zm::StringView uri) {
-      events += u"+" + zm::String(prefix) + u"=" + zm::String(uri) + u" ";
+      events += zm::Format(u"+%s=%s ", {prefix, uri});
       EXPECT_EQ(list->GetURI(prefix), uri) << "in force when it is told";
     };
     handler.OnEndPrefixMapping = [this](zm::StringView prefix) {
-      events += u"-" + zm::String(prefix) + u" ";
+      events += zm::Format(u"-%s ", {prefix});
       EXPECT_NE(list->GetNamespace(prefix), nullptr) << "told before it goes";
     };
     reader.SetContentHandler(&handler);
