@@ -46,34 +46,6 @@ TEST(ObjectList, FreesWhatLeavesIt) {
   EXPECT_EQ(log, "acbdfeB");
 }
 
-TEST(ObjectList, OrderAndBounds) {
-  std::string log;
-  TMortal a('a', log), b('b', log), c('c', log), d('d', log);
-  zm::TObjectList list(false);
-  EXPECT_EQ(Raised<zm::EListError>([&] { list.Last(); }), "List index out of bounds (-1)");
-  for (auto* object : {&a, &c, &a}) list.Add(object);
-  list.Insert(1, &b);
-  list.Insert(4, &d);
-  EXPECT_EQ(Names(list), "abcad");
-  EXPECT_EQ(list.IndexOf(&a), 0);
-  EXPECT_EQ(list.IndexOf(&a, zm::ldFromEnd), 3);
-  EXPECT_EQ(list.IndexOf(nullptr), -1);
-  EXPECT_EQ(list.IndexOf(nullptr, zm::ldFromEnd), -1);
-  list.Move(0, 2);
-  EXPECT_EQ(Names(list), "bcaad");
-  list.Move(4, 1);
-  EXPECT_EQ(Names(list), "bdcaa");
-  list.Exchange(0, 4);
-  EXPECT_EQ(list.First(), &a);
-  EXPECT_EQ(list.Last(), &b);
-  EXPECT_EQ(Raised<zm::EListError>([&] { list[5]; }), "List index out of bounds (5)");
-  EXPECT_EQ(Raised<zm::EListError>([&] { list.Insert(6, &a); }), "List index out of bounds (6)");
-  EXPECT_EQ(Raised<zm::EListError>([&] { list.Move(0, -1); }), "List index out of bounds (-1)");
-  list.Clear();
-  EXPECT_EQ(list.GetCount(), 0);
-  EXPECT_EQ(log, "");
-}
-
 TEST(StringList, TextIsSplitAtEveryKindOfLineEnd) {
   const struct {
     zm::StringView Text, Lines, Joined;

@@ -121,7 +121,7 @@ TEST(FileStream, SaysWhyAFileCannotBeOpened) {
 }
 
 TEST(FileStream, FullDisk) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP();
+  if (!std::filesystem::exists("/dev/full")) return;  // systems without such a device
   zm::TFileStream full("/dev/full", zm::fmOpenWrite);
   EXPECT_EQ(Raised<zm::EWriteError>([&] { Put(full, "x"); }), "Stream write error. No space left on device");
 }

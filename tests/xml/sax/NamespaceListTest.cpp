@@ -86,12 +86,4 @@ TEST_F(NamespaceList, ClearTellsNobody) {
   EXPECT_EQ(Told(), u"+p=u +q=u ");
 }
 
-TEST_F(NamespaceList, WorksWithoutAHandler) {
-  reader.SetContentHandler(nullptr);
-  list->AddURI(1, u"p", u"u");
-  EXPECT_EQ(list->GetURI(u"p"), u"u");
-  list->RemoveLevel(1);
-  EXPECT_EQ(list->GetURI(u"p"), u"");
-}
-
 }  // namespace

@@ -249,38 +249,6 @@ TEST(XMLReader, NeedsItsHandlers) {
             "EZmXMLParseError \"No errorhandler has been assigned!\" 11\n");
 }
 
-// An unexpected end leaves its mark: places are those of constructs until another failure.
-TEST(XMLReader, KeepsTellingWhereConstructsBeganAfterAnUnexpectedEnd) {
-  zm::TZmSAXXMLReader reader;
-  EXPECT_EQ(EventsOf(reader, u"<a>\n\nx"),
-            "1:1 StartDocument\n1:3 StartElement \"\" \"a\" \"a\"\n1:4 FatalError \"Unexpected end of input!\"\n"
-            "EZmTextParserEOF \"Unexpected end of input!\" 0\n");
-  EXPECT_EQ(EventsOf(reader, u"\n<a x=''><b/></a>"),
-            "1:4 StartDocument\n2:4 StartElement \"\" \"a\" \"a\"\n  Attribute \"\" \"x\" \"x\" \"\"\n"
-            "2:9 StartElement \"\" \"b\" \"b\"\n2:9 EndElement \"\" \"b\" \"b\"\n"
-            "2:13 EndElement \"\" \"a\" \"a\"\n2:13 EndDocument\n");
-  EXPECT_EQ(PlaceText(reader.GetLineNr(), reader.GetColNr()), "2:13 ");
-  EXPECT_EQ(FailureOf(reader, [](auto& r) { r.Parse(u"\n<1/>"); }).substr(0, 6), "3 2:2 ");
-  EXPECT_EQ(reader.GetColNr(), -1);
-}
-
-TEST(XMLReader, KeepsNamespacesThatWereNotEnded) {
-  for (const zm::StringView cut : {u"<a xmlns='d' xmlns:p='u'>text"sv, u"<a xmlns='d' xmlns:p='u'"sv}) {
-    zm::TZmSAXXMLReader reader;
-    TEventRecorder recorder;
-    reader.SetHandler(&recorder);
-    recorder.Read(reader, cut);
-    recorder.Text.clear();
-    recorder.Read(reader, u"<p:b/>");
-    recorder.Read(reader, u"<p:b/>");
-    EXPECT_EQ(recorder.Text,
-              "StartDocument\nStartElement \"u\" \"b\" \"p:b\"\nEndElement \"u\" \"b\" \"p:b\"\n"
-              "EndPrefixMapping \"p\"\nEndPrefixMapping \"\"\nEndDocument\n"
-              "StartDocument\nStartElement \"\" \"b\" \"p:b\"\nEndElement \"\" \"b\" \"p:b\"\nEndDocument\n");
-    reader.SetHandler(nullptr);
-  }
-}
-
 // The text of a document, with its public identifier behind a bar.
 template <class F>
 zm::String TextOf(F Parse) {
@@ -503,26 +471,6 @@ TEST(XMLReader, TakesNoStackForWhatIsMany) {
     EXPECT_EQ(mappings, c.Mappings);
     EXPECT_EQ(attributes, c.Attributes);
   }
-}
-
-TEST(XMLParser, HasTheDelimitersInTheFormOfTheSource) {
-  const auto read = [](std::string_view bytes, std::uint16_t page, auto unit) {
-    zm::TZmMemoryStream stream(bytes.data(), bytes.size());
-    const auto p = zm::Create<zm::TZmXMLParser>(&stream, false, false, page);
-    zm::String delimiters;
-    for (const void* c : {p->FAmp, p->FApos, p->FEqual, p->FGt, p->FLt, p->FQuest, p->FQuote, p->FSlash, p->FSpace,
-                          p->FExcl, p->FLine, p->FColon, p->FSemiColon, p->FBracketOA, p->FBracketCA})
-      delimiters += static_cast<char16_t>(*static_cast<const decltype(unit)*>(c));
-    EXPECT_EQ(delimiters, u"&'=><?\"/ !-:;[]");
-    EXPECT_TRUE(p->CheckCurrChar(p->FLt, true));
-    EXPECT_FALSE(p->CheckCurrChar(p->FGt, false));
-    EXPECT_THROW(p->CheckCurrChar(p->FGt, true), zm::EZmXMLParseError);
-    p->SkipWhile(zm::tsoNotEqual, p->FAmp);
-    EXPECT_EQ(p->PeekString(9), u"&b>");
-  };
-  read("<a&b>", 1252, char());
-  read("<a&b>", 65001, char());
-  read("<\0a\0&\0b\0>\0"sv, 1200, char16_t());
 }
 
 }  // namespace
