@@ -107,18 +107,19 @@ TZmOwner<TZmTextParser> TZmSAXXMLReader::CreateParser(TStream* Stream, bool Owns
 }
 
 void TZmSAXXMLReader::InternalParse() {
+  const detail::TFinally forget([this] { FParser = nullptr; });
   Guarded([this] {
     if (!FContentHandler) throw EZmXMLParseError(_cZmXMLNoContentHandler, xecNoContentHandler);
     if (!FErrorHandler) throw EZmXMLParseError(_cZmXMLNoErrorHandler, xecNoErrorHandler);
-    auto* const parser = dynamic_cast<TZmXMLParser*>(FParser);
-    Assert(parser != nullptr, u"Assertion failure (xml/uZmSAX)");
-    switch (parser->Window().Storage()) {
+    FParser = dynamic_cast<TZmXMLParser*>(TZmSAXReader::FParser);
+    Assert(FParser != nullptr, u"Assertion failure (xml/uZmSAX)");
+    switch (FParser->Window().Storage()) {
       case TStorage::Wide:
-        return ParseDocument<TStorage::Wide>(*parser);
+        return ParseDocument<TStorage::Wide>(*FParser);
       case TStorage::UTF8:
-        return ParseDocument<TStorage::UTF8>(*parser);
+        return ParseDocument<TStorage::UTF8>(*FParser);
       case TStorage::Bytes:
-        return ParseDocument<TStorage::Bytes>(*parser);
+        return ParseDocument<TStorage::Bytes>(*FParser);
     }
   });
 }

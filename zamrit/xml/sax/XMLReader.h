@@ -38,6 +38,7 @@ class TZmSAXXMLReader : public TZmSAXReader {
 
   bool FCheckSingleRootElm = true;
   TZmOwner<TZmSAXNamespaceList> FNamespaceList;
+  TZmXMLParser* FParser = nullptr;  // the base's parser under its own type
 
  private:
   template <detail::TStorage S>
