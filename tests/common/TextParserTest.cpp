@@ -243,6 +243,15 @@ TEST(TextParser, StartsWhereItsStreamStands) {
 
 constexpr std::uint16_t cLongPages[] = {65001, 1200, 932};
 
+struct TCountedSeeks : TShortStream {
+  using TShortStream::TShortStream;
+  std::int64_t Seek(std::int64_t Offset, zm::TSeekOrigin Origin) override {
+    Seeks++;
+    return TShortStream::Seek(Offset, Origin);
+  }
+  int Seeks = 0;
+};
+
 // Several MB, far more than what is kept of a stream.
 TEST(TextParser, RunsThroughLongStreams) {
   zm::String lines;
@@ -250,17 +259,11 @@ TEST(TextParser, RunsThroughLongStreams) {
   const zm::String text = u"\uFF71|" + lines + u"#x";
   for (const std::uint16_t page : cLongPages) {
     SCOPED_TRACE(page);
-    const auto bytes = zm::TZmEncoding::ConvertW(text, page);
-    TShortStream stream(bytes, 70001);
-    const auto parser = zm::Create<TZmTextParser>(&stream, false, page);
-    parser->SkipWhile(zm::tsoNotEqual, u'#');
-    EXPECT_LT(parser->Window().End - parser->Window().Begin, 1 << 20) << "what no mark needs is forgotten";
-    EXPECT_EQ(parser->GetLineNr(), 100001);
-    EXPECT_TRUE(parser->Selected(zm::tppMark1, zm::tppCurrent, true) == u"\uFF71|" + lines) << "from a forgotten place";
-    EXPECT_EQ(parser->GetLineNr(), 100001);
-    EXPECT_EQ(parser->PeekString(9), u"#x");
-
-    parser->First();
+    const auto bytes = "skip" + zm::TZmEncoding::ConvertW(text, page);
+    TCountedSeeks stream(bytes, 70001);
+    stream.SetPosition(4);
+    auto parser = zm::Create<TZmTextParser>(&stream, false, page);
+    stream.Seeks = 0;
     parser->SkipWhile(zm::tsoNotEqual, u'|');
     EXPECT_EQ(parser->ReadChar(), u'|');
     parser->SetMark(zm::tppMark1);
@@ -269,7 +272,19 @@ TEST(TextParser, RunsThroughLongStreams) {
     parser->Last();
     EXPECT_EQ(parser->PrevCharW(), u'x');
     EXPECT_EQ(parser->GetColNr(), 3);
-    EXPECT_TRUE(parser->Selected(zm::tppMark1, zm::tppMark2, true) == lines) << "held by its mark";
+    EXPECT_TRUE(parser->Selected(zm::tppMark1, zm::tppMark2, true) == lines);
+    EXPECT_EQ(stream.Seeks, 0) << "held by its mark";
+
+    stream.SetPosition(4);
+    parser = zm::Create<TZmTextParser>(&stream, false, page);
+    parser->SkipWhile(zm::tsoNotEqual, u'#');
+    EXPECT_LT(parser->Window().End - parser->Window().Begin, 1 << 20) << "what no mark needs is forgotten";
+    EXPECT_EQ(parser->GetLineNr(), 100001);
+    EXPECT_TRUE(parser->Selected(zm::tppMark1, zm::tppCurrent, true) == u"\uFF71|" + lines) << "from a forgotten place";
+    EXPECT_EQ(parser->GetLineNr(), 100001);
+    EXPECT_EQ(parser->PeekString(9), u"#x");
+    parser->First();
+    EXPECT_EQ(parser->CurrChar(), u'\uFF71');
   }
 }
 

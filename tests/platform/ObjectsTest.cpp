@@ -102,17 +102,25 @@ TEST(Objects, AreAskedForTheirInterfaces) {
   EXPECT_EQ(number->Number(), 7) << "each answer is a hold";
 }
 
-TEST(Objects, MayRefuseToGo) {
-  struct TStubborn : zm::TObject {
-    void BeforeDestruction() override {
-      if (Refuses) throw std::runtime_error("no");
-    }
-    bool Refuses = true;
-  };
-  const auto thing = zm::Create<TStubborn>().release();
+template <class Base>
+struct TStubborn : Base {
+  void BeforeDestruction() override {
+    if (Refuses) throw std::runtime_error("no");
+  }
+  bool Refuses = true;
+};
+
+template <class Base>
+void RefuseToGoOnce() {
+  const auto thing = zm::Create<TStubborn<Base>>().release();
   EXPECT_THROW(thing->Free(), std::runtime_error);
   thing->Refuses = false;
   thing->Free();
+}
+
+TEST(Objects, MayRefuseToGo) {
+  RefuseToGoOnce<zm::TObject>();
+  RefuseToGoOnce<zm::TZmObject>();
 }
 
 TEST(Classes, HaveADescriptorThatBuilds) {

@@ -86,7 +86,7 @@ TYPED_TEST(TLanes, FindTheFirstMatch) {
       ASSERT_EQ(Find<TypeParam>(text, end, delimiter), text + at) << size;
       ASSERT_EQ(FindFar<TypeParam>(text, end, delimiter), text + at) << size;
       ASSERT_EQ(Find<TypeParam>(text, end, blank), std::min<const U*>(text + at + 1, end)) << size;
-      ASSERT_EQ(BitsAt<TypeParam>(text, end, delimiter), at < std::min<std::size_t>(size, 16) ? 1u << at : 0u) << size;
+      ASSERT_EQ(BitsAt<TypeParam>(text, end, blank), at + 1 < std::min<std::size_t>(size, 16) ? 2u << at : 0u) << size;
     }
 }
 

@@ -57,17 +57,16 @@ class TRefCounted : public Base, public IZmObject {
   int _Release() override {
     if (FRefCount.load(std::memory_order_relaxed) < 0) return -1;
     const int count = FRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
-    if (count == 0 && (FAutoDestroy || FFreed)) End();
+    if (count == 0 && (FAutoDestroy || FFreed)) End(false);
     return count;
   }
 
   void Free() override {
-    if (FRefCount.load() < 0) return Base::Free();
+    const int count = FRefCount.load();
+    if (count < 0) return Base::Free();
+    if (count <= 1) return End(true);
     FFreed = true;
-    if (FRefCount.load() > 0)
-      _Release();
-    else
-      End();
+    _Release();
   }
 
   void AfterConstruction() override {
@@ -76,11 +75,17 @@ class TRefCounted : public Base, public IZmObject {
   }
 
  private:
-  void End() {
-    FRefCount = -1;  // a reference taken and given back on the way out must not end the object twice
+  // An object that may refuse to go lives on as it was when BeforeDestruction raises; one that nobody holds any more
+  // goes in any case.
+  void End(bool MayRefuse) {
+    const int count = FRefCount.exchange(-1);  // a reference taken and given back on the way out must not end it twice
     try {
       this->BeforeDestruction();
-    } catch (...) {  // NOLINT(bugprone-empty-catch): nobody holds the object, so it goes in any case
+    } catch (...) {
+      if (MayRefuse) {
+        FRefCount = count;
+        throw;
+      }
     }
     delete this;
   }

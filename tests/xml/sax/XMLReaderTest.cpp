@@ -85,8 +85,8 @@ TEST(XMLReader, TellsWhatItReads) {
        R"(ProcessingInstruction "xml" "version=\00221.0\0022";ProcessingInstruction "pi" "a";)"
        R"(ProcessingInstruction "q" "";ProcessingInstruction "r\0009s" "u";StartElement "" "a" "a";)"
        R"(EndElement "" "a" "a";ProcessingInstruction "t" "";)"},
-      {u"<!DOCTYPE a [<!ENTITY b \"c>\">]> <!----><!--a--b-<>--><!-x--><a/><!-- cut --",
-       R"(StartDTD;EndDTD;Comment "";Comment "a--b-<>";Comment "";StartElement "" "a" "a";EndElement "" "a" "a";)"
+      {u"<!DOCTYPE a [<!ENTITY b \"c>\">]> <!----><!--a--b-<>--><!-\U0001F600--><a/><!-- cut --",
+       R"(StartDTD;EndDTD;Comment "";Comment "a--b-<>";Comment "\DE00";StartElement "" "a" "a";EndElement "" "a" "a";)"
        R"(Comment " cut --";)"},
       {u"<a>x<![CDATA[<y>]]z]]]>&amp;</a><![CDATA[]]>\n<!--c--> <?p?> ",
        R"(StartElement "" "a" "a";Characters "x";StartCDATA;Characters "<y>]]z]";EndCDATA;Characters "&amp;";)"
@@ -209,6 +209,8 @@ TEST(XMLReader, TellsWhatIsWrongAndWhere) {
                         // Afterwards only the end of input has left a place.
                         const auto place = PlaceText(reader.GetLineNr(), reader.GetColNr());
                         EXPECT_EQ(place, result[0] == 'E' ? result.substr(2, place.size()) : "-1:-1 ");
+                        FailureOf(reader, [](auto& r) { r.Parse(u"<a>\n<b/></a>"); });
+                        EXPECT_EQ(reader.GetColNr(), result[0] == 'E' ? 5 : -1) << "until another failure";
                         return result;
                       }),
               failure)
