@@ -123,12 +123,4 @@ TEST(UTF8Adapter, MarkAndEndOfText) {
   }
 }
 
-// A target that fails, and tells of its end.
-struct TFailing : zm::TStream {
-  explicit TFailing(bool& AEnded) : Ended(AEnded) {}
-  ~TFailing() override { Ended = true; }
-  std::size_t Write(const void*, std::size_t) override { return 0; }
-  bool& Ended;
-};
-
 }  // namespace

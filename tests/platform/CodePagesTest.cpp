@@ -3,7 +3,6 @@
 #include <initializer_list>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/support/Raised.h"

@@ -1,13 +1,9 @@
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <string>
-#include <thread>
 
 #include "tests/support/Pipe.h"
 #include "tests/support/Raised.h"

@@ -17,8 +17,9 @@ struct TXMLScratch;
 /// content and an error handler must be set; the lexical handler only for text with CDATA sections or a DOCTYPE. Every
 /// error is an EZmXMLParseError, or an EZmTextParserEOF where text is cut off by the end of the input.
 ///
-/// Time is linear in the input, whatever it holds; memory is that of the largest token and about 1 MB, beside what the
-/// namespace declarations in force take. Nesting takes no stack.
+/// Time is linear in the input, whatever it holds; memory is that of the largest token, as stored and as UTF-16, and
+/// under 1 MB of buffers, beside what the attributes of an element and the namespace declarations in force take.
+/// Nesting takes no stack.
 class TZmSAXXMLReader : public TZmSAXReader {
   ZM_OBJECT(TZmSAXXMLReader, TZmSAXReader)
  public:
