@@ -1,0 +1,4 @@
+#pragma once
+
+// Where traces go.
+#include "zamrit/common/Logger.h"

@@ -1,0 +1,4 @@
+#pragma once
+
+// Bytes as text.
+#include "zamrit/common/NetEncoding.h"

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "zamrit/platform/Strings.h"
+
+namespace zm {
+
+/// The normalization forms of Unicode.
+enum TNormalForm { nfC = 1, nfD = 2, nfKC = 5, nfKD = 6 };
+
+/// The text in a normalization form; lone surrogates stay. Raises ERangeError for a form that there is not. Linear.
+String NormalizeText(StringView Text, TNormalForm Form);
+
+/// The text without the diacritics of its letters, composed again: accents and the like above, below and through
+/// Latin, Greek and Cyrillic letters. Vowel signs and points of other scripts stay, and so do ligatures. Linear.
+String StripDiacritics(StringView Text);
+
+/// The simple mappings of a character, independent of any locale.
+char32_t UpperChar(char32_t Char);
+char32_t LowerChar(char32_t Char);
+
+}  // namespace zm
