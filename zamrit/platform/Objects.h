@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 #include "zamrit/platform/Strings.h"
@@ -21,16 +22,28 @@ struct TClass {
   }
 };
 
+class TObject;
+
+namespace detail {
+/// The class of an object whose own class gives itself no descriptor: the one made from its description, or Nearest,
+/// that of its nearest ancestor.
+const TClass* ClassOfDescribed(const TObject& Object, const TClass* Nearest);
+}  // namespace detail
+
 /// Gives a class its descriptor. Name is the class, Parent the class it derives from; stands in the class body.
-#define ZM_OBJECT(Class, ParentClass)                                             \
- public:                                                                          \
-  static const ::zm::TClass* StaticClass() {                                      \
-    static constexpr ::zm::StringView name = u"" #Class;                          \
-    static const ::zm::TClass descriptor{name, ParentClass::StaticClass()};       \
-    return &descriptor;                                                           \
-  }                                                                               \
-  const ::zm::TClass* ClassType() const override { return Class::StaticClass(); } \
-                                                                                  \
+#define ZM_OBJECT(Class, ParentClass)                                                                             \
+ public:                                                                                                          \
+  using ZmObjectClass = Class;                                                                                    \
+  using ZmParentClass = ParentClass;                                                                              \
+  static const ::zm::TClass* StaticClass() {                                                                      \
+    static constexpr ::zm::StringView name = u"" #Class;                                                          \
+    static const ::zm::TClass descriptor{name, ParentClass::StaticClass()};                                       \
+    return &descriptor;                                                                                           \
+  }                                                                                                               \
+  const ::zm::TClass* ClassType() const override {                                                                \
+    return typeid(*this) == typeid(Class) ? StaticClass() : ::zm::detail::ClassOfDescribed(*this, StaticClass()); \
+  }                                                                                                               \
+                                                                                                                  \
  private:
 
 /// The root of the classes that have an identity. Objects are made by Create and held in a TZmOwner; a class that says
@@ -48,9 +61,12 @@ class TObject {
   /// Runs once before the destructor when the object is ended by Free. May raise; the object then lives on.
   virtual void BeforeDestruction() {}
 
+  using ZmObjectClass = TObject;
+  using ZmParentClass = void;
   static const TClass* StaticClass();
-  /// The descriptor of the object's own class.
-  virtual const TClass* ClassType() const { return StaticClass(); }
+  /// The descriptor of the object's own class, where ZM_OBJECT or a description gives it one; else that of its nearest
+  /// ancestor that has one.
+  virtual const TClass* ClassType() const;
   /// The name of the object's own class.
   StringView ClassName() const { return ClassType()->Name; }
 

@@ -1,0 +1,6 @@
+// refused: Lenght
+#include "zamrit/platform/reflection/Reflection.h"
+struct TBox {
+  int Length;
+};
+ZM_CLASS(TBox, (), (Length, Lenght))
