@@ -11,4 +11,10 @@ int RunXMLEvents(const TOptions& Options);
 /// stopped.
 int RunXMLEventsLimits(const TOptions& Options);
 
+/// Measures reading and writing of members by reflection beside direct access. Answers 0.
+int RunReflection(const TOptions& Options);
+
+/// Measures the XML text of values: escaping, entities, numbers, dates. Answers 0.
+int RunValues(const TOptions& Options);
+
 }  // namespace zm::bench

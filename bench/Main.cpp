@@ -22,6 +22,10 @@ constexpr TCommand cCommands[] = {
      "XML as events, beside libxml2, expat and Xerces-C", RunXMLEvents},
     {"xml-events-limits", "[--gigabytes G] [--markdown FILE] [--quick]",
      "memory of the XML reader over endless input, time over huge tokens, lists and depths", RunXMLEventsLimits},
+    {"reflection", "[--seconds S] [--markdown FILE] [--quick]", "members by reflection, beside direct access",
+     RunReflection},
+    {"values", "[--seconds S] [--markdown FILE] [--quick]",
+     "text as XML and back: escaping and entities beside libxml2, numbers and dates beside the C++ library", RunValues},
 };
 
 int Help() {
