@@ -6,7 +6,7 @@
 
 #include <optional>
 
-#include "support/Raised.h"
+#include "tests/support/Raised.h"
 #include "zamrit/common/SysUtils.h"
 #include "zamrit/platform/Exceptions.h"
 
@@ -46,7 +46,7 @@ TEST(ISODateTime, RefusesOtherTexts) {
     if (size != 10 && size != 16 && size != 19 && size != 21 && size != 24) bad.push_back(whole.substr(0, size));
   for (const String& text : bad)
     EXPECT_EQ(Raised<zm::EConvertError>([&] { zm::ZmDecodeISODateTime(text); }),
-              "'" + zm::ToUTF8(text) + "' is not a valid date and time value");
+              zm::ToUTF8(zm::Format(u"'%s' is not a valid date and time value", {text})));
 }
 
 // Sets the zone of the process as long as it lives.

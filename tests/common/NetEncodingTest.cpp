@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Raised.h"
+#include "tests/support/Raised.h"
 #include "zamrit/platform/Exceptions.h"
 
 namespace {

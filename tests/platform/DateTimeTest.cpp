@@ -9,7 +9,7 @@
 #include <random>
 #include <string>
 
-#include "support/Raised.h"
+#include "tests/support/Raised.h"
 #include "zamrit/platform/TimeZone.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <random>
 #include <string>
 
-#include "support/Raised.h"
+#include "tests/support/Raised.h"
 
 namespace {
 
@@ -50,7 +50,8 @@ TEST(NumbersTest, ReadsWholeNumbers) {
   EXPECT_EQ(1, StrToInt(u"-$FFFFFFFF"));
   for (const char16_t* text : {u"", u" ", u"-", u"+-1", u"1 ", u"1x", u"$", u"0x", u"$G", u"x10", u"\u0661", u"1,000",
                                u"9223372036854775808", u"-9223372036854775809", u"$10000000000000000"}) {
-    EXPECT_EQ("'" + ToUTF8(text) + "' is not a valid integer value", Raised<EConvertError>([&] { StrToInt64(text); }));
+    EXPECT_EQ(ToUTF8(Format(u"'%s' is not a valid integer value", {text})),
+              Raised<EConvertError>([&] { StrToInt64(text); }));
     std::int64_t kept = 5;
     EXPECT_FALSE(TryStrToInt64(text, kept));
     EXPECT_EQ(5, kept);

@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "support/Raised.h"
+#include "tests/support/Raised.h"
 
 namespace {
 

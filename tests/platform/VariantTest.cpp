@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/Raised.h"
+#include "tests/support/Raised.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "support/Elsewhere.h"
+#include "tests/support/Elsewhere.h"
 
 #include "zamrit/common/uZmRTTI.h"
 

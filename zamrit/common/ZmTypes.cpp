@@ -325,7 +325,11 @@ const TZmTypeInfo* TZmTypeInfo::VirtualType(TZmSchemaDataType Type) { return TZm
 
 const TZmTypeInfo* TZmTypes::GetTypeInfo(const TRttiType* Type) { return Type ? Directory().Info(Type) : nullptr; }
 
-const TZmTypeInfo* TZmTypes::GetTypeInfo(const TClass* Class) { return GetTypeInfo(ClassInfo(Class)); }
+const TZmTypeInfo* TZmTypes::GetTypeInfo(const TClass* Class) {
+  for (; Class; Class = Class->Parent)
+    if (const TRttiInstanceType* type = ClassInfo(Class)) return GetTypeInfo(type);
+  return nullptr;
+}
 
 const TZmTypeInfo* TZmTypes::GetTypeInfo(StringView Name, TZmTypeNameType NameType, bool Raise, TZmMainTypeKind Kind) {
   StringView name = Name;

@@ -49,7 +49,7 @@ class TZmTypes {
  public:
   /// The descriptor of a type, made at first use; nil for nil. Costs a load.
   static const TZmTypeInfo* GetTypeInfo(const TRttiType* Type);
-  /// The descriptor of a class; nil where it has no description.
+  /// The descriptor of a class, or of its nearest ancestor that has been described or used by TypeOf. Nil for nil.
   static const TZmTypeInfo* GetTypeInfo(const TClass* Class);
   /// The descriptor of T.
   template <class T>

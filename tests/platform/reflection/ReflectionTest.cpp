@@ -7,9 +7,9 @@
 #include <thread>
 #include <vector>
 
-#include "support/Described.h"
-#include "support/Elsewhere.h"
-#include "support/Raised.h"
+#include "tests/support/Described.h"
+#include "tests/support/Elsewhere.h"
+#include "tests/support/Raised.h"
 #include "zamrit/platform/Lists.h"
 
 namespace {

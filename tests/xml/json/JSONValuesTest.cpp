@@ -6,8 +6,8 @@
 #include <limits>
 #include <string>
 
-#include "support/Described.h"
-#include "support/Raised.h"
+#include "tests/support/Described.h"
+#include "tests/support/Raised.h"
 
 namespace {
 

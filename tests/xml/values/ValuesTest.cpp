@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "support/Described.h"
-#include "support/Raised.h"
+#include "tests/support/Described.h"
+#include "tests/support/Raised.h"
 #include "zamrit/xml/uZmXMLUtils.h"
 
 namespace {
