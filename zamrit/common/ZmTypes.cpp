@@ -262,6 +262,8 @@ class TZmTypes::TDirectory {
       Enter(tntName, info->Name, info);
       Enter(tntQualifiedName, info->QualifiedName, info);
       Enter(tntSchemaName, info->SchemaName(u""), info);
+      for (const TRttiField* field : type->GetFields()) field->GetFieldType();  // makes it, and so it comes up here too
+      for (const TRttiProperty* property : type->GetProperties()) property->GetPropertyType();
     }
   }
 
