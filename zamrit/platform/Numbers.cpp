@@ -225,15 +225,6 @@ T NeedFloat(StringView Text, const TFormatSettings& Settings) {
   return value;
 }
 
-__extension__ using TWide = unsigned __int128;
-
-/// The powers of 5 that fit 64 bits.
-constexpr auto cFives = [] {
-  std::array<std::uint64_t, 28> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 5;
-  return powers;
-}();
-
 /// The significant digits of a number above 0, without zeros at the end, and the power of ten of the first.
 struct TDecimal {
   char Digits[32];
@@ -256,33 +247,28 @@ struct TDecimal {
     DropZeros();
   }
 
-  /// Takes a number in integer arithmetic, which is exact: Value is mantissa * 2^exponent, and its digits are the whole
-  /// part of mantissa * 5^power / 2^shift. False where 5^power does not fit 64 bits, or would be a fraction.
-  bool TakeExactly(double Value) {
-    constexpr std::uint64_t unit = 100'000'000'000'000;  // the smallest number of 15 digits
-    if (!(Value >= 1e-12 && Value < 1e15)) return false;
-    int exponent = 0;
-    const auto mantissa = static_cast<std::uint64_t>(std::ldexp(std::frexp(Value, &exponent), 53));
-    Exponent = ((exponent - 1) * 1233) >> 12;  // times the logarithm of 2: right, or too small by one
-    exponent -= 53;
-    std::uint64_t number = 0;
-    for (;; ++Exponent) {
-      const int power = 14 - Exponent;
-      const int shift = -exponent - power;
-      const TWide product = TWide{mantissa} * cFives[static_cast<std::size_t>(power)];
-      number = static_cast<std::uint64_t>(product >> shift);
-      if (number >= unit * 10) continue;
-      const TWide rest = product - (TWide{number} << shift), half = TWide{1} << (shift - 1);
-      if (rest > half || (rest == half && number % 2 != 0)) ++number;
-      break;
-    }
-    Count = static_cast<int>(std::to_chars(Digits, std::end(Digits), number).ptr - Digits);
-    Exponent += Count - 15;
+  /// Cuts 16 or 17 digits, the nearest to the number with so many, to 15. False where half a digit is cut off: then the
+  /// number itself has to decide.
+  bool Cut() {
+    const int tail = (Digits[15] - '0') * 10 + (Count > 16 ? Digits[16] - '0' : 0);
+    if (tail == 50) return false;
+    Count = 15;
+    if (tail > 50) RoundUp();
     DropZeros();
     return true;
   }
 
  private:
+  void RoundUp() {
+    while (Count > 0 && Digits[Count - 1] == '9') --Count;
+    if (Count > 0) {
+      ++Digits[Count - 1];
+      return;
+    }
+    Digits[0] = '1';
+    Count = 1;
+    ++Exponent;
+  }
   void DropZeros() {
     while (Count > 1 && Digits[Count - 1] == '0') --Count;
   }
@@ -290,8 +276,11 @@ struct TDecimal {
 
 TDecimal ToDecimal(double Value) {
   TDecimal number;
-  if (number.TakeExactly(Value)) return number;
   char text[32];
+  if (Value >= std::numeric_limits<double>::min()) {
+    number.Take(text, std::to_chars(text, std::end(text), Value, std::chars_format::scientific).ptr);
+    if (number.Count <= 15 || number.Cut()) return number;
+  }
   number.Take(text, std::to_chars(text, std::end(text), Value, std::chars_format::scientific, 14).ptr);
   return number;
 }

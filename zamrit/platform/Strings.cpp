@@ -2,10 +2,8 @@
 
 #include <unicode/uchar.h>
 
-#include <algorithm>
-#include <array>
+#include <charconv>
 #include <initializer_list>
-#include <iterator>
 
 #include "zamrit/platform/Exceptions.h"
 #include "zamrit/platform/TextDetail.h"
@@ -32,14 +30,6 @@ String MapCodePoints(StringView Text, F Map) {
   }
   return out;
 }
-
-/// "00" to "99".
-constexpr auto cDigitPairs = [] {
-  std::array<char16_t, 200> pairs{};
-  for (std::size_t i = 0; i < pairs.size(); ++i)
-    pairs[i] = static_cast<char16_t>(u'0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
-  return pairs;
-}();
 
 char16_t LowerASCII(char16_t C) { return C >= 'A' && C <= 'Z' ? static_cast<char16_t>(C + 32) : C; }
 
@@ -118,18 +108,9 @@ String Format(StringView Pattern, std::initializer_list<TFormatArg> Arguments) {
 }
 
 String IntToStr(std::int64_t Value) {
-  char16_t digits[20];
-  char16_t* const end = std::end(digits);
-  char16_t* begin = end;
-  const bool negative = Value < 0;
-  std::uint64_t rest = negative ? std::uint64_t{0} - static_cast<std::uint64_t>(Value) : static_cast<std::uint64_t>(Value);
-  for (; rest > 9; rest /= 100) {
-    begin -= 2;
-    std::copy_n(cDigitPairs.data() + rest % 100 * 2, 2, begin);
-  }
-  if (rest > 0 || begin == end) *--begin = static_cast<char16_t>(u'0' + rest);
-  if (negative) *--begin = u'-';
-  return String(begin, end);
+  char digits[24];
+  const auto end = std::to_chars(digits, digits + sizeof digits, Value).ptr;
+  return String(digits, end);
 }
 
 StringView Trim(StringView Text) {
