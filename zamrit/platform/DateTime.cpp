@@ -120,7 +120,7 @@ std::int64_t DateTimeToMilliseconds(TDateTime Value) {
   const double day = std::trunc(Value);
   if (!(day >= cFirstDay && day <= cLastDay)) RaiseInvalid();
   const double time = std::fabs(Value - day) * cDay;
-  const std::int64_t result = static_cast<std::int64_t>(day) * cDay + static_cast<std::int64_t>(time + 0.5);
+  const std::int64_t result = static_cast<std::int64_t>(day) * cDay + std::llround(time);
   if (result >= (cLastDay + 1) * cDay) RaiseInvalid();
   return result;
 }

@@ -65,8 +65,8 @@ class Variant {
   template <std::integral T>
   requires(!std::same_as<T, bool> && !std::same_as<T, char> && !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> &&
            !std::same_as<T, char16_t> && !std::same_as<T, char32_t>) Variant(T Value)
-  noexcept : FType(CodeOf<T>()) {  // NOLINT(google-explicit-constructor)
-    FData.Int = static_cast<std::int64_t>(Value);
+  noexcept : FType(CodeOf<T>()) {                  // NOLINT(google-explicit-constructor)
+    FData.Int = static_cast<std::int64_t>(Value);  // NOLINT(bugprone-signed-char-misuse): it is a number
   }
   Variant(float Value) noexcept : FType(varSingle) { FData.Real = Value; }   // NOLINT(google-explicit-constructor)
   Variant(double Value) noexcept : FType(varDouble) { FData.Real = Value; }  // NOLINT(google-explicit-constructor)

@@ -22,13 +22,18 @@ std::partial_ordering CompareWhole(std::int64_t Left, bool IsUnsigned, double Ri
     if (Right < -0x1p63) return std::partial_ordering::greater;
     const double whole = std::trunc(Right);
     const auto order = Left <=> static_cast<std::int64_t>(whole);
-    return order != 0 ? std::partial_ordering(order) : 0.0 <=> Right - whole;
+    return std::is_neq(order) ? std::partial_ordering(order) : 0.0 <=> Right - whole;
   }
   if (Right < 0) return std::partial_ordering::greater;
   if (Right >= 0x1p64) return std::partial_ordering::less;
   const double whole = std::trunc(Right);
   const auto order = static_cast<std::uint64_t>(Left) <=> static_cast<std::uint64_t>(whole);
-  return order != 0 ? std::partial_ordering(order) : 0.0 <=> Right - whole;
+  return std::is_neq(order) ? std::partial_ordering(order) : 0.0 <=> Right - whole;
+}
+
+std::partial_ordering Reversed(std::partial_ordering Order) {
+  if (std::is_lt(Order)) return std::partial_ordering::greater;
+  return std::is_gt(Order) ? std::partial_ordering::less : Order;
 }
 
 struct TNumber {
@@ -65,7 +70,7 @@ std::partial_ordering CompareNumbers(const Variant& Left, const Variant& Right) 
     return static_cast<std::uint64_t>(left.Int) <=> static_cast<std::uint64_t>(right.Int);
   }
   if (left.Whole) return CompareWhole(left.Int, left.Unsigned, right.Real);
-  if (right.Whole) return 0 <=> CompareWhole(right.Int, right.Unsigned, left.Real);
+  if (right.Whole) return Reversed(CompareWhole(right.Int, right.Unsigned, left.Real));
   return left.Real <=> right.Real;
 }
 
@@ -103,12 +108,12 @@ Variant AddCurrency(const Variant& Left, const Variant& Right) {
 
 }  // namespace
 
-bool VarCmpEQ(const Variant& Left, const Variant& Right) { return Compare(Left, Right) == 0; }
-bool VarCmpNE(const Variant& Left, const Variant& Right) { return Compare(Left, Right) != 0; }
-bool VarCmpLT(const Variant& Left, const Variant& Right) { return Compare(Left, Right) < 0; }
-bool VarCmpLE(const Variant& Left, const Variant& Right) { return Compare(Left, Right) <= 0; }
-bool VarCmpGT(const Variant& Left, const Variant& Right) { return Compare(Left, Right) > 0; }
-bool VarCmpGE(const Variant& Left, const Variant& Right) { return Compare(Left, Right) >= 0; }
+bool VarCmpEQ(const Variant& Left, const Variant& Right) { return std::is_eq(Compare(Left, Right)); }
+bool VarCmpNE(const Variant& Left, const Variant& Right) { return std::is_neq(Compare(Left, Right)); }
+bool VarCmpLT(const Variant& Left, const Variant& Right) { return std::is_lt(Compare(Left, Right)); }
+bool VarCmpLE(const Variant& Left, const Variant& Right) { return std::is_lteq(Compare(Left, Right)); }
+bool VarCmpGT(const Variant& Left, const Variant& Right) { return std::is_gt(Compare(Left, Right)); }
+bool VarCmpGE(const Variant& Left, const Variant& Right) { return std::is_gteq(Compare(Left, Right)); }
 
 Variant VarAdd(const Variant& Left, const Variant& Right) {
   if (Left.IsNull() || Right.IsNull()) return Null();
