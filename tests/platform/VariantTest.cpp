@@ -69,6 +69,12 @@ TEST(VariantTest, Converts) {
   EXPECT_EQ(2, Variant(u"1.5").AsInteger());
   EXPECT_EQ(1, VarToInteger(Variant(true)));
   EXPECT_EQ(std::uint64_t{1} << 63, Variant(std::uint64_t{1} << 63).AsUInt64());
+  EXPECT_EQ(~std::uint64_t{0}, Variant(u"18446744073709551615").AsUInt64());
+  EXPECT_EQ(10000000000000000000u, Variant(1e19).AsUInt64());
+  EXPECT_THROW(Variant(0x1p64).AsUInt64(), ERangeError);
+  const std::int64_t amounts[][2] = {{25000, 2}, {-35000, -4}, {-25001, -3}, {9007199254740985001, 900719925474099}};
+  for (const auto& [scaled, whole] : amounts) EXPECT_EQ(whole, Variant(Currency::FromScaled(scaled)).AsInteger());
+  EXPECT_EQ(u"922337203685477.5807", VarToStr(VarAsType(u"922337203685477.5807", varCurrency)));
   for (const char16_t* text : {u"TRUE", u"1", u"-0.5"}) EXPECT_TRUE(Variant(text).AsBoolean());
   for (const char16_t* text : {u"False", u"0"}) EXPECT_FALSE(Variant(text).AsBoolean());
   EXPECT_EQ(45352.5, Variant(u"2024-03-01 12:00").AsDateTime());
@@ -118,6 +124,10 @@ TEST(VariantTest, Compares) {
       {1, '<', cInfinity},
       {1, '?', std::nan("")},
       {Currency(0.1), '<', Currency(0.2)},
+      {Currency(0.1), '=', 0.1},
+      {Currency(-3.5), '<', -3},
+      {Currency::FromScaled(9223372036854770001), '>', std::int64_t{922337203685477}},
+      {~std::uint64_t{0}, '=', u"18446744073709551615"},
       {TDateTime(2), '>', 1.5},
       {u"a", '<', u"b"},
       {u"10", '<', u"9"},
@@ -203,9 +213,17 @@ TEST(VariantTest, KeepsArrays) {
   EXPECT_THROW(VarArrayCreate(0, std::numeric_limits<std::int64_t>::max(), varInteger), EVariantArrayError);
   EXPECT_THROW(VarArrayCreate(0, 1, varNull), EVariantArrayError);
   EXPECT_THROW(array.AsString(), EVariantTypeCastError);
+  const std::int64_t last = std::numeric_limits<std::int64_t>::max();
+  EXPECT_EQ(last, VarArrayHighBound(VarArrayCreate(last, last, varInteger)));
   Variant self = VarArrayOf({1});
   VarArrayPut(self, 0, self);
   EXPECT_EQ(VarArrayOf({VarArrayOf({1})}), self);
+}
+
+TEST(VariantTest, ComparesWhatIsSharedOnce) {
+  Variant left = 1, right = 1;
+  for (int i = 0; i < 60; ++i) left = VarArrayOf({left, left}), right = VarArrayOf({right, right});
+  EXPECT_EQ(left, right);
 }
 
 TEST(VariantTest, NestsWithoutAStack) {

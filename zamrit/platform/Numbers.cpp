@@ -1,7 +1,11 @@
 #include "zamrit/platform/Numbers.h"
 
+#include <locale.h>  // NOLINT(modernize-deprecated-headers): newlocale and strtod_l are of POSIX
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers)
+
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cfloat>
 #include <charconv>
 #include <cmath>
@@ -11,7 +15,11 @@
 #include <string>
 #include <system_error>
 
+#include "zamrit/platform/PowersOfTenDetail.h"
+
 namespace zm {
+
+using namespace detail;
 
 namespace {
 
@@ -71,12 +79,21 @@ T NeedWhole(StringView Text) {
   return value;
 }
 
+/// What std::from_chars gives no value for: infinity for a number too large, the nearest one for a number too small.
+template <class T>
+T ReadOutOfRange(const char* Text) {
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  if constexpr (std::is_same_v<T, float>) return strtof_l(Text, nullptr, plain);
+  if constexpr (std::is_same_v<T, double>) return strtod_l(Text, nullptr, plain);
+  return static_cast<T>(strtold_l(Text, nullptr, plain));
+}
+
 /// The number in the characters that std::from_chars takes, without sign and separators.
 class TNarrowNumber {
  public:
   /// False where Text, without sign and blanks, holds anything but digits, separators and an exponent.
   bool Take(StringView Text, const TFormatSettings& Settings) {
-    if (Text.size() > sizeof FShort) {
+    if (Text.size() >= sizeof FShort) {
       FLong.resize(Text.size());
       FBegin = FLong.data();
     }
@@ -91,11 +108,13 @@ class TNarrowNumber {
         point = true;
         *FEnd++ = '.';
       } else if ((unit | 0x20) == u'e' && digits) {
-        return TakeExponent(Text.substr(i + 1));
+        digits = TakeExponent(Text.substr(i + 1));
+        break;
       } else if (unit != Settings.ThousandSeparator || point || !digits) {
         return false;
       }
     }
+    *FEnd = '\0';
     return digits;
   }
 
@@ -103,12 +122,9 @@ class TNarrowNumber {
   bool Read(T& Value) const {
     T value = 0;
     const auto [end, error] = std::from_chars(FBegin, FEnd, value);
-    if (error == std::errc::result_out_of_range) {
-      if (!IsSmall()) return false;
-      value = 0;
-    } else if (error != std::errc() || end != FEnd) {
-      return false;
-    }
+    if (end != FEnd || error == std::errc::invalid_argument) return false;
+    if (error == std::errc::result_out_of_range) value = ReadOutOfRange<T>(FBegin);
+    if (std::isinf(value)) return false;
     Value = value;
     return true;
   }
@@ -116,7 +132,6 @@ class TNarrowNumber {
  private:
   bool TakeExponent(StringView Text) {
     *FEnd++ = 'e';
-    FExponent = FEnd;
     if (Text.starts_with(u'-')) *FEnd++ = '-';
     if (Text.starts_with(u'-') || Text.starts_with(u'+')) Text.remove_prefix(1);
     if (Text.empty()) return false;
@@ -127,24 +142,46 @@ class TNarrowNumber {
     return true;
   }
 
-  /// Of a number out of range: whether it is too small.
-  bool IsSmall() const {
-    const char* const mantissaEnd = FExponent ? FExponent - 1 : FEnd;
-    const char* const point = std::find(static_cast<const char*>(FBegin), mantissaEnd, '.');
-    const char* const first =
-        std::find_if(static_cast<const char*>(FBegin), mantissaEnd, [](char c) { return c != '0' && c != '.'; });
-    std::ptrdiff_t exponent = 0;
-    if (FExponent && std::from_chars(FExponent, FEnd, exponent).ec != std::errc()) return *FExponent == '-';
-    const std::ptrdiff_t place = first < point ? point - first : point - first + 1;
-    return first == mantissaEnd || exponent < -place;
-  }
-
   char FShort[64];
   std::string FLong;
   char* FBegin = FShort;
   char* FEnd = FShort;
-  const char* FExponent = nullptr;
 };
+
+/// Reads up to 19 significant digits with a decimal separator and an exponent as Digits * 10^Power. False says nothing
+/// about any other text.
+bool ReadDigits(StringView Text, char16_t Separator, std::uint64_t& Digits, std::ptrdiff_t& Power) {
+  const char16_t* at = Text.data();
+  const char16_t* const end = at + Text.size();
+  const char16_t* point = nullptr;
+  Digits = 0;
+  for (; at != end; ++at) {
+    const unsigned digit = static_cast<unsigned>(*at) - u'0';
+    if (digit <= 9) {
+      if (Digits >= 1000000000000000000) return false;
+      Digits = Digits * 10 + digit;
+    } else if (*at == Separator && !point) {
+      point = at;
+    } else {
+      break;
+    }
+  }
+  if (at - Text.data() == (point ? 1 : 0)) return false;
+  Power = point ? point + 1 - at : 0;
+  if (at == end) return true;
+  if ((*at++ | 0x20) != u'e') return false;
+  const bool negative = at != end && *at == u'-';
+  if (negative || (at != end && *at == u'+')) ++at;
+  if (at == end || end - at > 4) return false;
+  int exponent = 0;
+  for (; at != end; ++at) {
+    const unsigned digit = static_cast<unsigned>(*at) - u'0';
+    if (digit > 9) return false;
+    exponent = exponent * 10 + static_cast<int>(digit);
+  }
+  Power += negative ? -exponent : exponent;
+  return true;
+}
 
 /// The largest whole number up to which T has all, as far as 64 bits go.
 template <class T>
@@ -169,28 +206,37 @@ constexpr auto MakePowers() {
   return powers;
 }
 
-/// Reads plain digits with a decimal separator where the digits and the power of ten are exact in T: then one division
-/// is correctly rounded. False says nothing about any other text.
+/// Where the digits and the power of ten are exact in T: then one division is correctly rounded.
 template <class T>
-bool ReadExact(StringView Text, T& Value, char16_t Separator) {
+bool ComposeExactly(std::uint64_t Digits, std::ptrdiff_t Power, T& Value) {
   static constexpr auto powers = MakePowers<T>();
-  if (FLT_EVAL_METHOD != 0 || Text.empty() || Text.size() > 19) return false;
-  std::uint64_t digits = 0;
-  const char16_t* point = nullptr;
-  const char16_t* const end = Text.data() + Text.size();
-  for (const char16_t* at = Text.data(); at != end; ++at) {
-    const unsigned digit = static_cast<unsigned>(*at) - u'0';
-    if (digit <= 9)
-      digits = digits * 10 + digit;
-    else if (*at == Separator && !point && Text.size() > 1)
-      point = at;
-    else
-      return false;
-  }
-  const std::size_t decimals = point ? static_cast<std::size_t>(end - point) - 1 : 0;
-  if (digits > cExact<T> || decimals >= powers.size()) return false;
-  Value = static_cast<T>(digits) / powers[decimals];
+  if (FLT_EVAL_METHOD != 0 || Digits > cExact<T> || Power > 0 || -Power >= std::ssize(powers)) return false;
+  Value = static_cast<T>(Digits) / powers[static_cast<std::size_t>(-Power)];
   return true;
+}
+
+/// Digits * 10^Power, correctly rounded. False where the general way has to decide.
+template <class T>
+bool Compose(std::uint64_t Digits, std::ptrdiff_t Power, T& Value) {
+  using TLimits = std::numeric_limits<T>;
+  if constexpr (TLimits::digits <= 64) {
+    if (ComposeExactly(Digits, Power, Value)) return true;
+    if (Digits == 0 || Power < -cLastPower || Power > cLastPower) return false;
+    const int power = static_cast<int>(Power), shift = std::countl_zero(Digits);
+    TWide number = Scale(Digits << shift, power);
+    int exponent = FloorLog2OfTen(power) + 65 - shift;
+    if (number.High >> 63 == 0) {
+      number = {number.High << 1 | number.Low >> 63, number.Low << 1};
+      --exponent;
+    }
+    if (exponent < TLimits::min_exponent || exponent >= TLimits::max_exponent) return false;
+    const auto mantissa = RoundOff(number, 64 - TLimits::digits);
+    if (!mantissa || *mantissa == 0) return false;
+    Value = std::ldexp(static_cast<T>(*mantissa), exponent - TLimits::digits);
+    return true;
+  } else {
+    return ComposeExactly(Digits, Power, Value);
+  }
 }
 
 template <class T>
@@ -200,7 +246,9 @@ bool ReadFloat(StringView Text, T& Value, const TFormatSettings& Settings) {
   const bool negative = Text.starts_with(u'-');
   if (negative || Text.starts_with(u'+')) Text.remove_prefix(1);
   T value = 0;
-  if (ReadExact(Text, value, Settings.DecimalSeparator)) {
+  std::uint64_t digits = 0;
+  std::ptrdiff_t power = 0;
+  if (ReadDigits(Text, Settings.DecimalSeparator, digits, power) && Compose(digits, power, value)) {
     Value = negative ? -value : value;
     return true;
   }
@@ -231,6 +279,12 @@ struct TDecimal {
   int Count = 0;
   int Exponent = 0;
 
+  void Take(std::uint64_t Number, int Power) {
+    Count = static_cast<int>(std::to_chars(Digits, std::end(Digits), Number).ptr - Digits);
+    Exponent = Power;
+    DropZeros();
+  }
+
   /// Takes what std::to_chars writes in scientific form: "d.dddde-dd".
   void Take(const char* Text, const char* End) {
     const char* mark = End - 4;
@@ -239,56 +293,45 @@ struct TDecimal {
     for (const char* at = mark + 2; at != End; ++at) Exponent = Exponent * 10 + (*at - '0');
     if (mark[1] == '-') Exponent = -Exponent;
     Digits[0] = Text[0];
-    Count = 1;
-    if (mark - Text > 2) {
-      std::memcpy(Digits + 1, Text + 2, static_cast<std::size_t>(mark - Text - 2));
-      Count = static_cast<int>(mark - Text) - 1;
-    }
+    Count = static_cast<int>(mark - Text) - 1;
+    std::memcpy(Digits + 1, Text + 2, static_cast<std::size_t>(Count - 1));
     DropZeros();
-  }
-
-  /// Cuts 16 or 17 digits, the nearest to the number with so many, to 15. False where half a digit is cut off: then the
-  /// number itself has to decide.
-  bool Cut() {
-    const int tail = (Digits[15] - '0') * 10 + (Count > 16 ? Digits[16] - '0' : 0);
-    if (tail == 50) return false;
-    Count = 15;
-    if (tail > 50) RoundUp();
-    DropZeros();
-    return true;
   }
 
  private:
-  void RoundUp() {
-    while (Count > 0 && Digits[Count - 1] == '9') --Count;
-    if (Count > 0) {
-      ++Digits[Count - 1];
-      return;
-    }
-    Digits[0] = '1';
-    Count = 1;
-    ++Exponent;
-  }
   void DropZeros() {
     while (Count > 1 && Digits[Count - 1] == '0') --Count;
   }
 };
 
-TDecimal ToDecimal(double Value) {
-  TDecimal number;
-  char text[32];
-  if (Value >= std::numeric_limits<double>::min()) {
-    number.Take(text, std::to_chars(text, std::end(text), Value, std::chars_format::scientific).ptr);
-    if (number.Count <= 15 || number.Cut()) return number;
+/// Rounds Value to MaxDigits digits. False where the general way has to decide.
+template <int MaxDigits, class T>
+bool TakeApart(T Value, TDecimal& Number) {
+  if constexpr (std::numeric_limits<T>::digits <= 64) {
+    constexpr std::uint64_t limit = cPowers[cLastPower + MaxDigits].High >> (63 - FloorLog2OfTen(MaxDigits));
+    int exponent = 0;
+    const auto mantissa = static_cast<std::uint64_t>(std::frexp(Value, &exponent) * static_cast<T>(0x1p64));
+    if (exponent < -1000 || exponent > 1024) return false;
+    int place = FloorLog10OfTwo(exponent - 1);  // of the first digit, or one too low
+    for (;; ++place) {
+      const int power = MaxDigits - 1 - place;
+      const auto digits = RoundOff(Scale(mantissa, power), 63 - exponent - FloorLog2OfTen(power));
+      if (!digits) return false;
+      if (*digits > limit) continue;
+      Number.Take(*digits, *digits == limit ? place + 1 : place);
+      return true;
+    }
+  } else {
+    return false;
   }
-  number.Take(text, std::to_chars(text, std::end(text), Value, std::chars_format::scientific, 14).ptr);
-  return number;
 }
 
-TDecimal ToDecimal(Extended Value) {
+template <int MaxDigits, class T>
+TDecimal ToDecimal(T Value) {
   TDecimal number;
+  if (TakeApart<MaxDigits>(Value, number)) return number;
   char text[48];
-  number.Take(text, std::to_chars(text, std::end(text), Value, std::chars_format::scientific, 17).ptr);
+  number.Take(text, std::to_chars(text, std::end(text), Value, std::chars_format::scientific, MaxDigits - 1).ptr);
   return number;
 }
 
@@ -321,12 +364,12 @@ class TNarrowText {
   std::ptrdiff_t FSeparator = -1;
 };
 
-template <class T>
-String WriteFloat(T Value, int MaxDigits, char16_t Separator) {
+template <int MaxDigits, class T>
+String WriteFloat(T Value, char16_t Separator) {
   if (std::isnan(Value)) return u"NAN";
   if (std::isinf(Value)) return Value < 0 ? u"-INF" : u"INF";
   if (Value == 0) return u"0";
-  const TDecimal number = ToDecimal(std::fabs(Value));
+  const TDecimal number = ToDecimal<MaxDigits>(std::fabs(Value));
   const int whole = number.Exponent + 1;  // digits in front of the separator
   TNarrowText text;
   if (Value < 0) text.Add('-');
@@ -354,14 +397,23 @@ String WriteFloat(T Value, int MaxDigits, char16_t Separator) {
   return text.Widen(Separator);
 }
 
-std::int64_t ToWhole(double Value) {
-  if (!(Value >= -0x1p63 && Value < 0x1p63)) throw ERangeError(u"The value does not fit an integer");
+template <class T>
+std::int64_t ToWhole(T Value) {
+  if (!(Value >= T{-0x1p63} && Value < T{0x1p63})) throw ERangeError(u"The value does not fit an integer");
   return static_cast<std::int64_t>(Value);
+}
+
+template <class T>
+std::int64_t RoundToEven(T Value) {
+  const T down = std::floor(Value);
+  const T rest = Value - down;
+  const bool up = rest > T{0.5} || (rest == T{0.5} && std::fmod(down, T{2}) != 0);
+  return ToWhole(up ? down + 1 : down);
 }
 
 }  // namespace
 
-Currency::Currency(double Value) : FScaled(Round(Value * 10000)) {}
+Currency::Currency(Extended Value) : FScaled(RoundToEven(Value * 10000)) {}
 
 std::int32_t StrToInt(StringView Text) { return NeedWhole<std::int32_t>(Text); }
 bool TryStrToInt(StringView Text, std::int32_t& Value) { return ReadWhole(Text, Value); }
@@ -409,20 +461,15 @@ Extended StrToExtendedDef(StringView Text, Extended Default, const TFormatSettin
 }
 
 String FloatToStr(double Value, const TFormatSettings& Settings) {
-  return WriteFloat(Value, 15, Settings.DecimalSeparator);
+  return WriteFloat<15>(Value, Settings.DecimalSeparator);
 }
 String FloatToStr(Extended Value, const TFormatSettings& Settings) {
-  return WriteFloat(Value, 18, Settings.DecimalSeparator);
+  return WriteFloat<18>(Value, Settings.DecimalSeparator);
 }
 
 std::int64_t Ceil(double Value) { return ToWhole(std::ceil(Value)); }
 std::int64_t Floor(double Value) { return ToWhole(std::floor(Value)); }
 std::int64_t Trunc(double Value) { return ToWhole(std::trunc(Value)); }
-std::int64_t Round(double Value) {
-  const double down = std::floor(Value);
-  const double rest = Value - down;
-  const bool up = rest > 0.5 || (rest == 0.5 && std::fmod(down, 2) != 0);
-  return ToWhole(up ? down + 1 : down);
-}
+std::int64_t Round(double Value) { return RoundToEven(Value); }
 
 }  // namespace zm

@@ -17,7 +17,7 @@ class Currency {
  public:
   constexpr Currency() = default;
   /// Rounded to the fourth decimal, ties to even. ERangeError where it does not fit.
-  explicit Currency(double Value);
+  explicit Currency(Extended Value);
   /// Value in units of 1/10000.
   static constexpr Currency FromScaled(std::int64_t Value) {
     Currency result;

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <set>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -269,10 +270,13 @@ std::int64_t Variant::AsInteger() const {
     case vkUnsigned:
       if (FData.Int < 0) throw ERangeError(u"The value does not fit an integer");
       return FData.Int;
-    case vkCurrency:
+    case vkCurrency: {
+      const std::int64_t odd = FData.Int / 10000 % 2;  // kept with the decimals, so that halves go to the even number
+      return FData.Int / 10000 - odd + Round(static_cast<double>(FData.Int % 10000) / 10000 + static_cast<double>(odd));
+    }
     case vkReal:
     case vkDate:
-      return Round(AsDouble());
+      return Round(FData.Real);
     case vkText: {
       std::int64_t whole = 0;
       double number = 0;
@@ -287,8 +291,12 @@ std::int64_t Variant::AsInteger() const {
 }
 
 std::uint64_t Variant::AsUInt64() const {
-  const std::int64_t number = FType == varUInt64 ? FData.Int : AsInteger();
-  if (number < 0 && FType != varUInt64) throw ERangeError(u"The value does not fit an integer");
+  if (FType == varUInt64) return static_cast<std::uint64_t>(FData.Int);
+  Extended large = KindOf(FType) == vkReal ? FData.Real : 0;
+  if (FType == varUString) TryStrToExtended(FData.Text->Text, large);
+  if (large >= 0x1p63L && large < 0x1p64L) return static_cast<std::uint64_t>(large);
+  const std::int64_t number = AsInteger();
+  if (number < 0) throw ERangeError(u"The value does not fit an integer");
   return static_cast<std::uint64_t>(number);
 }
 
@@ -316,7 +324,11 @@ double Variant::AsDouble() const {
 }
 
 Currency Variant::AsCurrency() const {
-  return FType == varCurrency ? Currency::FromScaled(FData.Int) : Currency(AsDouble());
+  if (FType == varCurrency) return Currency::FromScaled(FData.Int);
+  if (FType != varUString) return Currency(AsDouble());
+  Extended number = 0;
+  if (!TryStrToExtended(FData.Text->Text, number)) RaiseCast(varCurrency);
+  return Currency(number);
 }
 
 TDateTime Variant::AsDateTime() const {
@@ -358,6 +370,7 @@ const String& Variant::TextRef() const {
 
 bool operator==(const Variant& Left, const Variant& Right) {
   std::vector<std::pair<const Variant*, const Variant*>> open;
+  std::set<std::pair<const TVariantArray*, const TVariantArray*>> seen;  // what many share is compared once
   const Variant* left = &Left;
   const Variant* right = &Right;
   for (;;) {
@@ -374,7 +387,7 @@ bool operator==(const Variant& Left, const Variant& Right) {
         break;
       case vkArray: {
         const TVariantArray &l = *left->FData.Array, &r = *right->FData.Array;
-        if (&l == &r) break;
+        if (&l == &r || (l.References > 1 && !seen.emplace(&l, &r).second)) break;
         if (l.Low != r.Low || l.Elements.size() != r.Elements.size()) return false;
         for (std::size_t i = 0; i < l.Elements.size(); ++i) open.emplace_back(&l.Elements[i], &r.Elements[i]);
         break;
@@ -521,7 +534,7 @@ std::int64_t VarArrayLowBound(const Variant& Value) { return TVariantAccess::Arr
 
 std::int64_t VarArrayHighBound(const Variant& Value) {
   const TVariantArray& array = TVariantAccess::Array(Value);
-  return array.Low + static_cast<std::int64_t>(array.Elements.size()) - 1;
+  return array.Low - 1 + static_cast<std::int64_t>(array.Elements.size());
 }
 
 Variant VarArrayGet(const Variant& Value, std::int64_t Index) {

@@ -197,10 +197,10 @@ void VarArrayRedim(Variant& Value, std::int64_t High);
 ///@}
 
 /// \name Comparison
-/// Numbers, amounts and dates by value, exactly; texts by code units; of a text and a number the text counts as a
-/// number, of a boolean and anything else that as a boolean, of a date and a text the text as a date. Null equals null
-/// alone, unassigned unassigned alone, and neither is less than anything. EVariantTypeCastError for arrays and for
-/// texts that do not convert.
+/// Numbers, amounts and dates by value, exactly, but for an amount and a floating number, which compare as floating
+/// numbers; texts by code units; of a text and a number the text counts as a number, of a boolean and anything else
+/// that as a boolean, of a date and a text the text as a date. Null equals null alone, unassigned unassigned alone, and
+/// neither is less than anything. EVariantTypeCastError for arrays and for texts that do not convert.
 ///@{
 bool VarCmpEQ(const Variant& Left, const Variant& Right);
 bool VarCmpNE(const Variant& Left, const Variant& Right);

@@ -37,40 +37,51 @@ std::partial_ordering Reversed(std::partial_ordering Order) {
 }
 
 struct TNumber {
-  bool Whole;
+  bool Exact;  // Whole + Decimals / 10000
   bool Unsigned;
-  std::int64_t Int;
-  double Real;
+  std::int64_t Whole;
+  std::int64_t Decimals;
+  double Real;  // of a text and an amount too
 };
 
 TNumber NumberOf(const Variant& Value) {
   switch (KindOf(VarType(Value))) {
     case vkBoolean:
     case vkWhole:
-      return {true, false, Value.AsInteger(), 0};
+      return {true, false, Value.AsInteger(), 0, 0};
     case vkUnsigned:
-      return {true, true, static_cast<std::int64_t>(Value.AsUInt64()), 0};
+      return {true, true, static_cast<std::int64_t>(Value.AsUInt64()), 0, 0};
+    case vkCurrency: {
+      const std::int64_t scaled = Value.AsCurrency().GetScaled();
+      const std::int64_t decimals = (scaled % 10000 + 10000) % 10000;
+      return {true, false, scaled / 10000 - (scaled % 10000 < 0 ? 1 : 0), decimals, Value.AsDouble()};
+    }
     case vkText: {
       std::int64_t whole = 0;
-      if (TryStrToInt64(Value.TextRef(), whole)) return {true, false, whole, 0};
-      return {false, false, 0, Value.AsDouble()};
+      if (TryStrToInt64(Value.TextRef(), whole)) return {true, false, whole, 0, 0};
+      Extended large = 0;
+      if (TryStrToExtended(Value.TextRef(), large) && large >= 0x1p63L && large < 0x1p64L)
+        return {true, true, static_cast<std::int64_t>(static_cast<std::uint64_t>(large)), 0,
+                static_cast<double>(large)};
+      return {false, false, 0, 0, Value.AsDouble()};
     }
     default:
-      return {false, false, 0, Value.AsDouble()};
+      return {false, false, 0, 0, Value.AsDouble()};
   }
 }
 
 std::partial_ordering CompareNumbers(const Variant& Left, const Variant& Right) {
-  if (VarType(Left) == varCurrency && VarType(Right) == varCurrency)
-    return Left.AsCurrency().GetScaled() <=> Right.AsCurrency().GetScaled();
   const TNumber left = NumberOf(Left), right = NumberOf(Right);
-  if (left.Whole && right.Whole) {
-    const bool leftNegative = !left.Unsigned && left.Int < 0, rightNegative = !right.Unsigned && right.Int < 0;
+  if (left.Exact && right.Exact) {
+    const bool leftNegative = !left.Unsigned && left.Whole < 0, rightNegative = !right.Unsigned && right.Whole < 0;
     if (leftNegative != rightNegative) return rightNegative <=> leftNegative;
-    return static_cast<std::uint64_t>(left.Int) <=> static_cast<std::uint64_t>(right.Int);
+    const auto order = static_cast<std::uint64_t>(left.Whole) <=> static_cast<std::uint64_t>(right.Whole);
+    return std::is_neq(order) ? order : left.Decimals <=> right.Decimals;
   }
-  if (left.Whole) return CompareWhole(left.Int, left.Unsigned, right.Real);
-  if (right.Whole) return Reversed(CompareWhole(right.Int, right.Unsigned, left.Real));
+  // An amount counts as the floating number next to it: 0.1 is no other floating number than the amount 0.1.
+  if (left.Exact && VarType(Left) != varCurrency) return CompareWhole(left.Whole, left.Unsigned, right.Real);
+  if (right.Exact && VarType(Right) != varCurrency)
+    return Reversed(CompareWhole(right.Whole, right.Unsigned, left.Real));
   return left.Real <=> right.Real;
 }
 
@@ -148,7 +159,7 @@ Variant VarNeg(const Variant& Value) {
       return TDateTime(-Value.AsDouble());
     case vkText: {
       const TNumber number = NumberOf(Value);
-      return number.Whole ? VarNeg(number.Int) : Variant(-number.Real);
+      return number.Exact && !number.Unsigned ? VarNeg(number.Whole) : Variant(-number.Real);
     }
     default:
       return -Value.AsDouble();

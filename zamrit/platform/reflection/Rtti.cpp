@@ -184,7 +184,7 @@ void TRttiFloatType::Write(void* Data, long double Value) const {
     case ftExtended:
       return Store(Data, static_cast<Extended>(Value));
     case ftCurrency:
-      *static_cast<Currency*>(Data) = Currency(static_cast<double>(Value));
+      *static_cast<Currency*>(Data) = Currency(Value);
       return;
     default:
       return narrow(double());

@@ -117,7 +117,7 @@ Variant ReadVariant(StringView Text, std::uint16_t VarType, int Depth) {
     case varDouble:
       return ZmXMLToDouble(Text);
     case varCurrency:
-      return Currency(static_cast<double>(ZmXMLToExtended(Text)));
+      return Currency(ZmXMLToExtended(Text));
     case varDate:
       return ZmXMLToDateTime(Text);
     case varBoolean:
@@ -144,7 +144,7 @@ TValue FloatFromXML(StringView Text, const TRttiFloatType& Type) {
     case ftExtended:
       return TValue::From(ZmXMLToExtended(Text));
     case ftCurrency:
-      return TValue::From(Currency(static_cast<double>(ZmXMLToExtended(Text))));
+      return TValue::From(Currency(ZmXMLToExtended(Text)));
     case ftDate:
       return TValue::From(TDate(ZmXMLToDate(Text)));
     case ftTime:
