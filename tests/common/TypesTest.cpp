@@ -170,6 +170,8 @@ TEST(TypesTest, LooksAtValuesAsWalksDo) {
   const TValue large = TValue::From(300);
   EXPECT_FALSE(TValueClassHelper(large).ToType(TypeOf<std::uint8_t>(), result));
   EXPECT_FALSE(TValueClassHelper(text).ToType(TypeOf<TPlace>(), result));
+  const TValue huge = TValue::From(u"1e300");
+  EXPECT_FALSE(TValueClassHelper(huge).ToType(TypeOf<float>(), result));
   EXPECT_EQ(TSuit::suClubs, result.AsType<TSuit>());
 }
 

@@ -84,6 +84,8 @@ TEST(VariantTest, Converts) {
             Raised<EVariantTypeCastError>([] { Variant(u"x").AsInteger(); }));
   EXPECT_EQ("Could not convert variant of type (Null) into type (Boolean)",
             Raised<EVariantTypeCastError>([] { Null().AsBoolean(); }));
+  EXPECT_EQ("Could not convert variant of type (Null) into type (Date)",
+            Raised<EVariantTypeCastError>([] { Null().AsDateTime(); }));
   EXPECT_EQ("Could not convert variant of type (Integer) into type (String)",
             Raised<EVariantTypeCastError>([] { Variant(1).TextRef(); }));
   EXPECT_EQ("Could not convert variant of type (String) into type (Date)",

@@ -12,21 +12,21 @@ namespace zm {
 
 namespace {
 
-/// What stands behind a Variant or a TValue, where that is something.
+/// What stands behind a Variant or a TValue, where that is something. It refers to the value.
 TValue HeldBy(const TValue& Value) {
-  TValue held = Value;
-  while (held.GetTypeInfo() == TypeOf<TValue>()) {
-    TValue inner = *static_cast<const TValue*>(held.GetReferenceToRawData());
-    held = std::move(inner);
-  }
-  if (held.GetTypeKind() != tkVariant) return held;
-  TValue content = TValue::FromVariant(*static_cast<const Variant*>(held.GetReferenceToRawData()));
-  return content.IsEmpty() ? held : content;
+  const TValue* held = &Value;
+  while (held->GetTypeInfo() == TypeOf<TValue>()) held = static_cast<const TValue*>(held->GetReferenceToRawData());
+  if (held->GetTypeKind() != tkVariant) return held->GetView();
+  TValue content = TValue::FromVariant(*static_cast<const Variant*>(held->GetReferenceToRawData()));
+  return content.IsEmpty() ? held->GetView() : content;
 }
 
 const TRttiTextType* TextType(const TValue& Value) { return dynamic_cast<const TRttiTextType*>(Value.GetTypeInfo()); }
 
-bool IsUnsigned64(const TValue& Value) { return Value.GetTypeInfo() == TypeOf<std::uint64_t>(); }
+bool IsUnsigned64(const TValue& Value) {
+  const auto* type = dynamic_cast<const TRttiOrdinalType*>(Value.GetTypeInfo());
+  return type && type->GetTypeSize() == 8 && !type->IsSigned();
+}
 
 /// A number that T holds when it is rounded.
 template <class T>
@@ -85,6 +85,14 @@ bool ReadBoolean(const TValue& Value, bool Convert, bool& Result) {
   if (!ReadFloat(Value, Convert, number)) return false;
   Result = number != 0;
   return true;
+}
+
+bool TryConvert(const TValue& Value, const TRttiType* Type, TValue& Result) {
+  try {
+    return Value.TryCast(Type, Result);
+  } catch (const ERangeError&) {
+    return false;
+  }
 }
 
 bool ReadOrdinal(const TValue& Value, const TRttiType& Type, TValue& Result) {
@@ -189,11 +197,7 @@ String TValueClassHelper::ToWideString(bool Strict, StringView Default) const {
 }
 
 bool TValueClassHelper::ToType(const TRttiType* Type, TValue& Result) const {
-  try {
-    if (FValue.TryCast(Type, Result)) return true;
-  } catch (const Exception&) {
-    return false;
-  }
+  if (TryConvert(FValue, Type, Result)) return true;
   const TValue held = HeldBy(FValue);
   switch (Type->GetTypeKind()) {
     case tkInteger:
@@ -209,7 +213,7 @@ bool TValueClassHelper::ToType(const TRttiType* Type, TValue& Result) const {
       return ReadOrdinal(held, *Type, Result);
     case tkFloat: {
       Extended number = 0;
-      return ReadFloat(held, true, number) && TValue::From(number).TryCast(Type, Result);
+      return ReadFloat(held, true, number) && TryConvert(TValue::From(number), Type, Result);
     }
     default: {
       const TZmTypeInfo* info = TZmTypes::GetTypeInfo(held.GetTypeInfo());

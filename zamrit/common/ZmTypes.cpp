@@ -303,7 +303,7 @@ class TZmTypes::TDirectory {
   std::array<detail::TByName<const TZmTypeInfo*>, 3> FNames;
   std::unordered_map<const TZmTypeInfo*, std::array<std::vector<const void*>, dsfCSV + 1>> FPairs;
 
-  std::mutex FTaking;
+  std::recursive_mutex FTaking;  // a description may look types up
   std::size_t FTaken = 0;
 };
 
@@ -317,13 +317,15 @@ TZmMainTypeKind TZmTypeInfo::GetMainTypeKind() const { return TZmTypes::ToMainTy
 bool TZmTypeInfo::GetIsSimpleType() const { return TypeKind >= rtkByte && TypeKind <= rtkVariant; }
 
 String TZmTypeInfo::SchemaName(StringView Prefix) const {
-  if (const StringView name = BuiltInSchemaName(TypeKind); !name.empty())
+  if (const StringView name = RttiType ? BuiltInSchemaName(TypeKind) : StringView(Name); !name.empty())
     return Prefix.empty() ? String(name) : String(Prefix).append(u":").append(name);
   const TTypeKind kind = GetKind();
   return kind == tkArray || kind == tkDynArray ? ArraySchemaName(*RttiType) : FitForXML(Name);
 }
 
-const TZmTypeInfo* TZmTypeInfo::VirtualType(TZmSchemaDataType Type) { return TZmTypes::Directory().Virtual(Type); }
+const TZmTypeInfo* TZmTypeInfo::VirtualType(TZmSchemaDataType Type) {
+  return Type >= sdtAny && Type <= sdtDuration ? TZmTypes::Directory().Virtual(Type) : nullptr;
+}
 
 const TZmTypeInfo* TZmTypes::GetTypeInfo(const TRttiType* Type) { return Type ? Directory().Info(Type) : nullptr; }
 
@@ -342,7 +344,9 @@ const TZmTypeInfo* TZmTypes::GetTypeInfo(StringView Name, TZmTypeNameType NameTy
   return info;
 }
 
-void TZmTypes::RegisterTypeAlias(const TRttiType* Type, StringView Name) { Directory().AddAlias(Type, Name); }
+void TZmTypes::RegisterTypeAlias(const TRttiType* Type, StringView Name) {
+  if (Type) Directory().AddAlias(Type, Name);
+}
 
 void TZmTypes::RegisterTypeAlias(const TRttiType* Type, std::initializer_list<StringView> Names) {
   for (StringView name : Names) RegisterTypeAlias(Type, name);

@@ -34,7 +34,7 @@ class TZmTypeInfo {
   /// not empty; an array as "ArrayOf" and its element; any other type by its own name, fit for an XML name. GetTypeInfo
   /// finds a type by this name.
   String SchemaName(StringView Prefix) const;
-  /// The descriptor of a schema type that has no type in the program.
+  /// The descriptor of a schema type that has no type in the program; nil for a number that is none.
   static const TZmTypeInfo* VirtualType(TZmSchemaDataType Type);
 
  private:

@@ -238,6 +238,15 @@ void Variant::Release() noexcept { FreeArrays(TVariantAccess::Drop(*this)); }
 
 void Variant::RaiseCast(std::uint16_t Type) const { RaiseVariantCast(FType, Type); }
 
+namespace {
+
+bool HasNumber(std::uint16_t Type) {
+  const TVariantKind kind = KindOf(Type);
+  return kind != vkNone && kind != vkText && kind != vkArray;
+}
+
+}  // namespace
+
 bool Variant::AsBoolean() const {
   switch (KindOf(FType)) {
     case vkBoolean:
@@ -325,14 +334,15 @@ double Variant::AsDouble() const {
 
 Currency Variant::AsCurrency() const {
   if (FType == varCurrency) return Currency::FromScaled(FData.Int);
-  if (FType != varUString) return Currency(AsDouble());
+  if (HasNumber(FType)) return Currency(AsDouble());
   Extended number = 0;
-  if (!TryStrToExtended(FData.Text->Text, number)) RaiseCast(varCurrency);
+  if (FType != varUString || !TryStrToExtended(FData.Text->Text, number)) RaiseCast(varCurrency);
   return Currency(number);
 }
 
 TDateTime Variant::AsDateTime() const {
-  if (FType != varUString) return AsDouble();
+  if (HasNumber(FType)) return AsDouble();
+  if (FType != varUString) RaiseCast(varDate);
   TDateTime value;
   double days = 0;
   if (ReadDate(FData.Text->Text, value)) return value;

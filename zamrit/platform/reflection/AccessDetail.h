@@ -99,6 +99,22 @@ template <class T>
 inline constexpr bool IsCopyable<std::optional<T>> = IsCopyable<T>;
 
 template <class T>
+struct TIsKept : std::bool_constant<IsCopyable<T> || std::is_base_of_v<TObject, T>> {};
+template <class T, class D>
+struct TIsKept<std::unique_ptr<T, D>> : std::true_type {};  // the object is the caller's matter
+
+/// Whether a getter or method may return a T by value: nothing would own what an owner brings.
+template <class R>
+inline constexpr bool IsOwner = false;
+template <class T, class D>
+inline constexpr bool IsOwner<std::unique_ptr<T, D>> = true;
+template <class T>
+inline constexpr bool IsOwner<std::shared_ptr<T>> = true;
+template <class R>
+inline constexpr bool IsReturnable = std::is_lvalue_reference_v<R> ||
+                                     (!IsOwner<std::remove_cv_t<R>> && IsCopyable<std::remove_cvref_t<R>>);
+
+template <class T>
 TTypeStorage StorageOf() {
   TTypeStorage storage;
   storage.Size = sizeof(T);  // NOLINT(bugprone-sizeof-expression): of the pointer where T is one
@@ -148,7 +164,7 @@ template <Direct T>
 struct TAccess<T> {
   static const TRttiType* Type() { return DirectType<T>(); }
   static TValue Get(const T& Value) {
-    if constexpr (std::is_trivially_copyable_v<T> && sizeof(T) <= TValue::InlineSize)
+    if constexpr (std::is_trivially_copyable_v<T> && TValue::FitsInline<T>)
       return TValue::Trivial(Value, Type());
     else if constexpr (IsCopyable<T> && TValue::FitsInline<T>)
       return TValue::Inline(Value, Type());
@@ -363,7 +379,11 @@ struct TOwningAccess {
   static bool Set(P& Target, const TValue& Value) {
     TElement* object = nullptr;
     if (!TAccess<TElement*>::Set(object, Value)) return false;
-    if (object != Target.get()) Target.reset(object);
+    if (object == Target.get()) return true;
+    if constexpr (ObjectClass<TElement> && std::is_same_v<P, std::shared_ptr<TElement>>)
+      Target.reset(object, TFreeObject());  // an object ends by Free
+    else
+      Target.reset(object);
     return true;
   }
 };
@@ -390,7 +410,7 @@ struct TAccess<std::optional<T>> {
   static TValue Get(const std::optional<T>& Value) { return Value ? TAccess<T>::Get(*Value) : TValue(); }
   static TValue View(std::optional<T>& Value) { return Value ? TAccess<T>::View(*Value) : TValue(); }
   static bool Set(std::optional<T>& Target, const TValue& Value) {
-    if (Value.IsEmpty()) {
+    if (HoldsNothing(Value)) {
       Target.reset();
       return true;
     }
@@ -482,7 +502,11 @@ template <class V>
 class TVectorType final : public TArrayOf<V, TRttiDynamicArrayType> {
  public:
   using TArrayOf<V, TRttiDynamicArrayType>::TArrayOf;
-  void SetLength(void* Data, std::size_t Length) const override { static_cast<V*>(Data)->resize(Length); }
+  void SetLength(void* Data, std::size_t Length) const override {
+    V& vector = *static_cast<V*>(Data);
+    if (Length > vector.max_size()) RaiseTooLong();
+    vector.resize(Length);
+  }
 };
 
 template <class T, class A>

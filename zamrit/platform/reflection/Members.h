@@ -166,14 +166,16 @@ struct TNameEqual {
 template <class T>
 using TByName = std::unordered_map<String, T, TNameHash, TNameEqual>;
 
-/// The members of one kind, in order and by name: of two of one name the later is found.
+/// The members of one kind, in order and by name: of two of one name the later takes the place of the other.
 template <class T>
 class TMemberList {
  public:
   T& Add(std::unique_ptr<T> Member) {
     T& added = *FOwned.emplace_back(std::move(Member));
+    const T*& named = FByName[added.GetName()];
+    std::erase(FList, named);
     FList.push_back(&added);
-    FByName[added.GetName()] = &added;
+    named = &added;
     return added;
   }
   std::span<const T* const> All() const { return FList; }
@@ -250,6 +252,8 @@ class TRttiInstanceType final : public TRttiStructuredType {
   const TRttiInstanceType* GetBaseType() const;
   const std::type_info& GetNativeType() const { return *FOperations.Native; }
   bool InheritsFrom(const TRttiInstanceType* Other) const;
+  /// Whether an object is of this class or of a descendant.
+  bool IsInstance(TObject& Object) const { return FOperations.IsInstance && FOperations.IsInstance(&Object); }
   /// Whether CreateInstance can make one: the class has a constructor without arguments, or takes an owner.
   bool CanCreate() const { return FOperations.Create != nullptr; }
   /// A new object, owned by the caller, at the address that members are read from. Owner matters to components alone.

@@ -94,6 +94,10 @@ template <class C, class R, class V>
 struct TSetterValue<R (C::*)(V)> {
   using TType = TKept<V>;
 };
+template <class C, class R, class V>
+struct TSetterValue<R (C::*)(V) noexcept> {
+  using TType = TKept<V>;
+};
 
 template <class T, class G, class S>
 struct TPropertyValue {
@@ -104,11 +108,14 @@ struct TPropertyValue<T, std::nullptr_t, S> {
   using TType = typename TSetterValue<S>::TType;
 };
 
+template <class T, class G>
+inline constexpr bool IsGetter = IsReturnable<std::invoke_result_t<G, T&>>;
+template <class T>
+inline constexpr bool IsGetter<T, std::nullptr_t> = true;
+
 template <class T, class G, class S>
-concept PropertyAccess = (std::is_null_pointer_v<G> ||
-                          std::is_invocable_v<G, T&>)&&IsReflectable<typename TPropertyValue<T, G, S>::TType> &&
-                         (std::is_null_pointer_v<S> ||
-                          std::is_invocable_v<S, T&, typename TPropertyValue<T, G, S>::TType>);
+concept PropertyAccess = IsGetter<T, G> && IsReflectable<typename TPropertyValue<T, G, S>::TType> &&
+    (std::is_null_pointer_v<S> || std::is_invocable_v<S, T&, typename TPropertyValue<T, G, S>::TType>);
 
 template <class T, class G, class S>
 class TPropertyOf final : public TRttiProperty {
@@ -180,6 +187,8 @@ class TIndexedPropertyOf final : public TRttiIndexedProperty {
 
 template <class T, class F, class R, class... Args>
 class TMethodOf final : public TRttiMethod {
+  static_assert(std::is_void_v<R> || IsReturnable<R>, "a method cannot return an owner by value");
+
  public:
   TMethodOf(StringView Name, std::vector<TCast> Casts, F Address, std::initializer_list<StringView> Names)
       : TRttiMethod(Name, std::move(Casts)), FAddress(Address), FParameters(ParametersOf<TKept<Args>...>()) {

@@ -13,12 +13,12 @@ namespace zm {
 
 namespace {
 
-/// What a Variant or TValue holds; any other value as it is.
+/// What a Variant or TValue holds; any other value as it is. It refers to the value.
 TValue Unwrapped(const TValue& Value) {
   const TValue* held = &Value;
   while (held->GetTypeInfo() == detail::DirectType<TValue>())
     held = static_cast<const TValue*>(held->GetReferenceToRawData());
-  if (held->GetTypeKind() != tkVariant) return *held;
+  if (held->GetTypeKind() != tkVariant) return held->GetView();
   return TValue::FromVariant(*static_cast<const Variant*>(held->GetReferenceToRawData()));
 }
 
@@ -136,6 +136,17 @@ void TRttiOrdinalType::WriteChecked(void* Data, std::int64_t Value, bool Unsigne
 
 bool TRttiOrdinalType::Convert(void* Target, const TValue& Source) const {
   const TValue held = Unwrapped(Source);
+  if (held.GetTypeKind() == tkFloat) {
+    const auto& type = static_cast<const TRttiFloatType&>(*held.GetTypeInfo());
+    const long double number = type.Read(held.GetReferenceToRawData());
+    if (!(number == std::trunc(number) && number >= -0x1p63L && number < 0x1p64L)) RaiseRange(*this);
+    const bool large = number >= 0x1p63L;
+    WriteChecked(
+        Target,
+        large ? static_cast<std::int64_t>(static_cast<std::uint64_t>(number)) : static_cast<std::int64_t>(number),
+        large);
+    return true;
+  }
   if (!IsWholeNumber(held.GetTypeKind())) return false;
   const TRttiOrdinalType& type = OrdinalType(held);
   WriteChecked(Target, type.Read(held.GetReferenceToRawData()), !type.IsSigned());
@@ -230,7 +241,7 @@ std::uint64_t TRttiSetType::StringToSet(StringView Text) const {
     const std::size_t comma = std::min(Text.find(u','), Text.size());
     const StringView name = Trim(Text.substr(0, comma));
     std::int64_t value = -1;
-    if (!FElementType->GetEnumValue(name, value) || value < 0 || value > 63)
+    if ((!FElementType->GetEnumValue(name, value) && !TryStrToInt64(name, value)) || value < 0 || value > 63)
       throw EConvertError(u"'%s' is not a valid element of the set \"%s\"", {name, GetName()});
     bits |= std::uint64_t{1} << value;
     Text.remove_prefix(std::min(comma + 1, Text.size()));
@@ -241,8 +252,9 @@ std::uint64_t TRttiSetType::StringToSet(StringView Text) const {
 bool TRttiArrayTypeBase::Convert(void* Target, const TValue& Source) const {
   if (Source.GetTypeInfo() == this) return ConvertSame(Target, Source);  // refuses to copy what owns its elements
   const TValue held = Unwrapped(Source);
+  if (held.GetTypeInfo() == this) return ConvertSame(Target, held);
   const auto* type = dynamic_cast<const TRttiArrayTypeBase*>(held.GetTypeInfo());
-  if (!type) return false;
+  if (!type || !type->GetStorage().Copy) return false;  // what it holds has owners
   const void* data = held.GetReferenceToRawData();
   std::vector<TValue> elements(type->GetLength(data));
   for (std::size_t i = 0; i < elements.size(); ++i)
@@ -342,6 +354,10 @@ void RaiseInvalidCast(const TRttiType* From, const TRttiType* To) {
                      {From ? StringView(From->GetName()) : u"", StringView(To->GetName())});
 }
 
+bool HoldsNothing(const TValue& Value) { return Unwrapped(Value).IsEmpty(); }
+
+void RaiseTooLong() { throw EListError(u"The array would be too long!"); }
+
 void RaisePropertyNotWritable(StringView Name) {
   throw EPropertyError(u"The property \"%s\" cannot be written!", {Name});
 }
@@ -415,11 +431,12 @@ bool WriteText(String& Data, StringView Text) {
 }
 
 bool ConvertToVariant(void* Target, const TValue& Source) {
-  const TTypeKind kind = Source.GetTypeKind();
-  if (!Source.IsEmpty() && kind != tkVariant && kind != tkFloat && !IsWholeNumber(kind) && kind != tkEnumeration &&
-      !dynamic_cast<const TRttiTextType*>(Source.GetTypeInfo()))
+  const TValue held = Unwrapped(Source);
+  const TTypeKind kind = held.GetTypeKind();
+  if (!held.IsEmpty() && kind != tkVariant && kind != tkFloat && !IsWholeNumber(kind) && kind != tkEnumeration &&
+      !dynamic_cast<const TRttiTextType*>(held.GetTypeInfo()))
     return false;
-  *static_cast<Variant*>(Target) = Source.AsVariant();
+  *static_cast<Variant*>(Target) = Source.GetTypeKind() == tkVariant ? Source.AsVariant() : held.AsVariant();
   return true;
 }
 

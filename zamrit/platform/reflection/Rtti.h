@@ -257,8 +257,8 @@ class TRttiSetType final : public TRttiType {
   /// The names of the elements in ascending order, as "[clRed,clBlue]" or without the brackets. Bit n stands for the
   /// value n.
   String SetToString(std::uint64_t Bits, bool Brackets = true) const;
-  /// Reads names between commas, case and blanks around them ignored, with or without brackets. EConvertError for a
-  /// name that is none of the enumeration, or whose value is outside 0 to 63.
+  /// Reads names or numbers between commas, case and blanks around them ignored, with or without brackets.
+  /// EConvertError for a name that is none of the enumeration, or whose value is outside 0 to 63.
   std::uint64_t StringToSet(StringView Text) const;
 
  private:

@@ -70,7 +70,7 @@ class TTypeBuilder : public TAttributeBuilder<TTypeBuilder<T>> {
   /// Takes over the members of B, an ancestor of T.
   template <class B>
   TTypeBuilder& Base() {
-    static_assert(std::is_base_of_v<B, T>, "the class does not descend from this base");
+    static_assert(std::is_base_of_v<B, T> && !std::is_same_v<B, T>, "the class does not descend from this base");
     detail::DescribeBase<T, B>(FBuild);
     return *this;
   }
@@ -299,7 +299,8 @@ const bool* RegisterStructure() {
 }  // namespace detail
 
 #define ZM_DETAIL_PARENS ()
-#define ZM_DETAIL_EXPAND(...) ZM_DETAIL_EXPAND3(ZM_DETAIL_EXPAND3(ZM_DETAIL_EXPAND3(ZM_DETAIL_EXPAND3(__VA_ARGS__))))
+#define ZM_DETAIL_EXPAND(...) ZM_DETAIL_EXPAND4(ZM_DETAIL_EXPAND4(__VA_ARGS__))
+#define ZM_DETAIL_EXPAND4(...) ZM_DETAIL_EXPAND3(ZM_DETAIL_EXPAND3(ZM_DETAIL_EXPAND3(ZM_DETAIL_EXPAND3(__VA_ARGS__))))
 #define ZM_DETAIL_EXPAND3(...) ZM_DETAIL_EXPAND2(ZM_DETAIL_EXPAND2(ZM_DETAIL_EXPAND2(ZM_DETAIL_EXPAND2(__VA_ARGS__))))
 #define ZM_DETAIL_EXPAND2(...) ZM_DETAIL_EXPAND1(ZM_DETAIL_EXPAND1(ZM_DETAIL_EXPAND1(ZM_DETAIL_EXPAND1(__VA_ARGS__))))
 #define ZM_DETAIL_EXPAND1(...) __VA_ARGS__
@@ -335,10 +336,12 @@ const bool* RegisterStructure() {
   ZM_DETAIL_REGISTER(Class, RegisterStructure)
 
 /// Describes an enumeration by its enumerators. Stands behind it, in its namespace.
-#define ZM_ENUM(Enumeration, ...)                                                        \
-  template <class ZmSelf>                                                                \
-  void ZmDescribe(::zm::TTypeBuilder<ZmSelf>& Builder, ::zm::detail::TTag<Enumeration>){ \
-      ZM_DETAIL_EACH(ZM_DETAIL_ENUMERATOR, Enumeration, __VA_ARGS__)} ZM_DETAIL_REGISTER(Enumeration, Register)
+#define ZM_ENUM(Enumeration, ...)                                                              \
+  template <class ZmSelf>                                                                      \
+  void ZmDescribe(::zm::TTypeBuilder<ZmSelf>& Builder, ::zm::detail::TTag<Enumeration>) {      \
+    ZM_DETAIL_EACH(ZM_DETAIL_ENUMERATOR, Enumeration, __VA_ARGS__) static_cast<void>(Builder); \
+  }                                                                                            \
+  ZM_DETAIL_REGISTER(Enumeration, Register)
 
 /// Names a set: Set is an alias of zm::TSet<Enumeration>. Stands behind it, in the namespace of the enumeration.
 #define ZM_SET(Set, Enumeration)                                                                          \

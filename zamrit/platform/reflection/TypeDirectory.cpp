@@ -30,14 +30,17 @@ class TTypeDirectory {
   void MakeRegistered() {
     if (!FHasThunks.load(std::memory_order_acquire)) return;
     const std::lock_guard making(FMakingMutex);
-    std::vector<detail::TTypeThunk> thunks;
-    {
-      const std::lock_guard lock(FThunkMutex);
-      thunks.swap(FThunks);
-    }
-    for (detail::TTypeThunk thunk : thunks) thunk();
+    while (detail::TTypeThunk next = TakeThunk()) next();  // one that raises is not asked again; the others wait
+  }
+
+  /// The next type to be made, nil when there is none.
+  detail::TTypeThunk TakeThunk() {
     const std::lock_guard lock(FThunkMutex);
-    FHasThunks.store(!FThunks.empty(), std::memory_order_release);
+    FHasThunks.store(FThunks.size() > 1, std::memory_order_release);
+    if (FThunks.empty()) return nullptr;
+    detail::TTypeThunk next = FThunks.front();
+    FThunks.pop_front();
+    return next;
   }
 
   void Add(const TRttiType* Type) {
@@ -45,6 +48,7 @@ class TTypeDirectory {
     FTypes.push_back(Type);
     if (const auto* instance = dynamic_cast<const TRttiInstanceType*>(Type)) {
       FByNative.emplace(instance->GetNativeType(), instance);
+      FNearest.clear();
       if (const TClass* metaclass = instance->GetMetaclassType()) FByClass.emplace(metaclass, instance);
     }
   }
@@ -60,6 +64,18 @@ class TTypeDirectory {
     const std::shared_lock lock(FMutex);
     auto found = FByNative.find(Native);
     return found == FByNative.end() ? nullptr : found->second;
+  }
+
+  /// The type of an object, or of its nearest ancestor that has one.
+  const TRttiInstanceType* FindNearest(const TObject& Object) {
+    if (const TRttiInstanceType* own = Find(typeid(Object))) return own;
+    const std::unique_lock lock(FMutex);
+    auto [known, isNew] = FNearest.emplace(typeid(Object), nullptr);
+    if (isNew)
+      for (const auto& [native, type] : FByNative)
+        if (type->IsInstance(const_cast<TObject&>(Object)) && (!known->second || type->InheritsFrom(known->second)))
+          known->second = type;
+    return known->second;
   }
 
   const TRttiInstanceType* Find(const TClass* Class) {
@@ -82,13 +98,14 @@ class TTypeDirectory {
 
  private:
   std::mutex FThunkMutex;
-  std::vector<detail::TTypeThunk> FThunks;
+  std::deque<detail::TTypeThunk> FThunks;
   std::atomic<bool> FHasThunks = false;
-  std::mutex FMakingMutex;
+  std::recursive_mutex FMakingMutex;  // a description may look types up
 
   std::shared_mutex FMutex;
   std::deque<const TRttiType*> FTypes;
   std::unordered_map<std::type_index, const TRttiInstanceType*> FByNative;
+  std::unordered_map<std::type_index, const TRttiInstanceType*> FNearest;  // of classes without a type of their own
   std::unordered_map<const TClass*, const TRttiInstanceType*> FByClass;
   detail::TByName<const TClass*> FClasses;
 };
@@ -96,12 +113,7 @@ class TTypeDirectory {
 }  // namespace
 
 const TRttiInstanceType* TypeOfObject(const TObject* Object) {
-  if (!Object) return nullptr;
-  TTypeDirectory& directory = TTypeDirectory::Instance();
-  if (const TRttiInstanceType* own = directory.Find(typeid(*Object))) return own;
-  for (const TClass* c = Object->ClassType(); c; c = c->Parent)
-    if (const TRttiInstanceType* type = directory.Find(c)) return type;
-  return nullptr;
+  return Object ? TTypeDirectory::Instance().FindNearest(*Object) : nullptr;
 }
 
 const TRttiInstanceType* ClassInfo(const TClass* Class) { return TTypeDirectory::Instance().Find(Class); }
@@ -123,8 +135,8 @@ const TRttiType* detail::Publish(const TRttiType* Type) {
 const TRttiType* detail::TypeAt(std::size_t Index) { return TTypeDirectory::Instance().At(Index); }
 
 const TClass* detail::ClassOfDescribed(const TObject& Object, const TClass* Nearest) {
-  const TRttiInstanceType* type = TTypeDirectory::Instance().Find(typeid(Object));
-  return type ? type->GetMetaclassType() : Nearest;
+  const TRttiInstanceType* type = TTypeDirectory::Instance().FindNearest(Object);
+  return type && type->GetMetaclassType()->InheritsFrom(Nearest) ? type->GetMetaclassType() : Nearest;
 }
 
 const TClass* TObject::ClassType() const {

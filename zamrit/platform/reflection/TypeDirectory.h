@@ -31,6 +31,9 @@ const TRttiType* Publish(const TRttiType* Type);
 const TRttiType* TypeAt(std::size_t Index);
 
 [[noreturn]] void RaiseInvalidCast(const TRttiType* From, const TRttiType* To);
+/// Whether a value is empty, or a TValue or Variant that holds nothing.
+bool HoldsNothing(const TValue& Value);
+[[noreturn]] void RaiseTooLong();
 [[noreturn]] void RaisePropertyNotWritable(StringView Name);
 void CheckArgumentCount(StringView Method, std::size_t Given, std::size_t Taken);
 

@@ -83,6 +83,7 @@ TValue TValue::From(StringView Value) {
 }
 
 TValue TValue::Make(const void* Data, const TRttiType* Type) {
+  if (!Data || !Type) return TValue();
   const TTypeStorage& storage = Type->GetStorage();
   if (!storage.Copy) throw ENotSupportedException(u"Values of type \"%s\" cannot be copied!", {Type->GetName()});
   TValue value;
@@ -172,6 +173,7 @@ TValue TValue::FromVariant(const Variant& Value) {
 }
 
 TValue TValue::FromOrdinal(const TRttiType* Type, std::int64_t Value) {
+  if (!Type) throw EInvalidCast(u"A value needs a type!");
   TValue value;
   const TTypeKind kind = Type->GetTypeKind();
   if (kind == tkSet) {
@@ -181,7 +183,10 @@ TValue TValue::FromOrdinal(const TRttiType* Type, std::int64_t Value) {
       throw ERangeError(u"The value does not fit the type \"%s\"!", {Type->GetName()});
     std::memcpy(value.FBytes, &Value, sizeof Value);
   } else if (IsOrdinal(kind)) {
-    static_cast<const TRttiOrdinalType*>(Type)->WriteChecked(value.FBytes, Value, false);
+    const auto& ordinal = static_cast<const TRttiOrdinalType&>(*Type);
+    if (Type == TypeOf<bool>() && (Value < 0 || Value > 1))
+      throw ERangeError(u"The value does not fit the type \"%s\"!", {Type->GetName()});
+    ordinal.WriteChecked(value.FBytes, Value, ordinal.GetTypeSize() == 8 && !ordinal.IsSigned());
   } else {
     throw EInvalidCast(u"The type \"%s\" has no ordinal values!", {Type->GetName()});
   }

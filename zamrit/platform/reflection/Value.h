@@ -18,6 +18,11 @@ class TRttiInstanceType;
 namespace detail {
 template <class T>
 struct TAccess;
+/// Whether a TValue made of a T stays valid without it.
+template <class T>
+struct TIsKept;
+template <class T>
+inline constexpr bool IsKept = TIsKept<T>::value;
 }  // namespace detail
 
 /// A value of any type that has a descriptor; From and AsType need zamrit/platform/reflection/Reflection.h. Values of
@@ -47,10 +52,9 @@ class TValue {
     return *this;
   }
   TValue& operator=(TValue&& Other) noexcept {
-    if (this != &Other) {
-      this->~TValue();
-      new (this) TValue(std::move(Other));
-    }
+    TValue moved(std::move(Other));  // which may be a part of what ends here
+    this->~TValue();
+    new (this) TValue(std::move(moved));
     return *this;
   }
   ~TValue() {
@@ -61,13 +65,15 @@ class TValue {
   /// declared class; an optional without a value, and so on, an empty value.
   template <class T>
   static TValue From(const T& Value) {
+    static_assert(detail::IsKept<T>, "a value of this type cannot be copied: refer to it by MakeWithoutCopy");
     return detail::TAccess<T>::Get(Value);
   }
   static TValue From(StringView Value);
   static TValue From(const TValue& Value) { return Value; }
   static TValue From(const char16_t* Value) { return From(StringView(Value)); }
   static TValue Empty() { return TValue(); }
-  /// A copy of what lies at Data, which is of that type. ENotSupportedException where the type cannot be copied.
+  /// A copy of what lies at Data, which is of that type; empty where either is nil. ENotSupportedException where the
+  /// type cannot be copied.
   static TValue Make(const void* Data, const TRttiType* Type);
   /// Refers to Data.
   static TValue MakeWithoutCopy(void* Data, const TRttiType* Type) noexcept {
@@ -77,6 +83,8 @@ class TValue {
     value.FPointer = Data;
     return value;
   }
+  /// A value that refers to what this one holds: valid as long as this one stays as it is.
+  TValue GetView() const noexcept { return FType ? MakeWithoutCopy(GetReferenceToRawData(), FType) : TValue(); }
   /// What the Variant holds as a value of its own type; a Variant array stays a Variant; null and unassigned are empty.
   static TValue FromVariant(const Variant& Value);
   /// A number, character, boolean, enumeration or set of that type. EInvalidCast for another type, ERangeError where

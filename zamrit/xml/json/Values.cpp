@@ -356,7 +356,7 @@ TDateTime ZmJSONToDateTime(const Variant& Value, TDateTime Default) {
 }
 
 String ZmJSONType(const TZmTypeInfo* TypeInfo, String& Format, TZmSchemaDataType* SchemaType) {
-  const TSchemaName name = SchemaNameOf(*TypeInfo);
+  const TSchemaName name = TypeInfo ? SchemaNameOf(*TypeInfo) : TSchemaName{rtkUnknown, u"any", u"", sdtAny};
   Format = name.Format;
   if (SchemaType) *SchemaType = name.Type;
   return String(name.Name);

@@ -212,6 +212,8 @@ String FloatToXML(const TRttiFloatType& Type, const TValue& Value) {
       return ZmTimeToXML(static_cast<double>(Type.Read(data)));
     case ftDateTime:
       return ZmDateTimeToXML(static_cast<double>(Type.Read(data)));
+    case ftCurrency:
+      return VarToStr(Value.AsVariant());  // all four decimals
     default:
       return ZmExtToXML(Type.Read(data));
   }
@@ -239,7 +241,9 @@ String ZmXMLToStr(const Variant& Value, StringView Default) {
       const std::int64_t low = VarArrayLowBound(Value), high = VarArrayHighBound(Value);
       for (std::int64_t i = low; i <= high; ++i) {
         if (i > low) text += u"\r\n";
-        text += ZmXMLToStr(VarToStr(VarArrayGet(Value, i)));
+        const Variant element = VarArrayGet(Value, i);
+        if (VarIsArray(element)) throw EConvertError(u"The given value is not a valid String value!");
+        text += ZmXMLToStr(VarToStr(element));
       }
       return text;
     }
@@ -311,11 +315,13 @@ Variant ZmXMLToVariant(StringView Text, std::uint16_t VarType) { return ReadVari
 TValue ZmXMLToValue(StringView Text, const TZmTypeInfo* TypeInfo) {
   const StringView name = TypeInfo ? StringView(TypeInfo->Name) : StringView();
   if (TypeInfo && TypeInfo->RttiType && TypeInfo->GetIsSimpleType()) {
+    TValue value;
     try {
-      return ValueFromXML(Text, *TypeInfo);
-    } catch (const EConvertError&) {
-      throw Exception(u"Failed to convert the value \"%s\" to a value of type %s!", {Text, name});
+      if (ValueFromXML(Text, *TypeInfo).TryCast(TypeInfo->RttiType, value)) return value;
+    } catch (const EConvertError&) {  // told below
+    } catch (const ERangeError&) {
     }
+    throw Exception(u"Failed to convert the value \"%s\" to a value of type %s!", {Text, name});
   }
   throw Exception(u"Failed to convert \"%s\" into a TValue!\r\nThe type %s is not supported.", {Text, name});
 }
@@ -355,6 +361,9 @@ String ZmValToXML(const TValue& Value) {
           ->SetToString(static_cast<std::uint64_t>(Value.AsOrdinal()), false);
     case rtkVariant:
       return ZmVariantToXML(Value.AsVariant());
+    case rtkInterface:
+      if (!Value.AsInterface()) return String();
+      break;
     case rtkClass:
     case rtkPointer:
     case rtkClassRef:
