@@ -34,6 +34,9 @@ class TPersistent : public TObject {
   virtual void AssignTo(TPersistent* Target);
 };
 
+/// A function that is told of something by the object that it happens to.
+using TNotifyEvent = std::function<void(TObject* Sender)>;
+
 /// What TComponent::Notification is told.
 enum TOperation { opInsert, opRemove };
 

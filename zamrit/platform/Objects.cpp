@@ -14,7 +14,7 @@ const TClass* TObject::StaticClass() {
 
 void detail::TFreeObject::operator()(TObject* Object) const noexcept {
   try {
-    Object->Free();
+    Object->EndOwnership();
   } catch (...) {  // NOLINT(bugprone-empty-catch): an object that refuses to go stays with whoever still holds it
   }
 }

@@ -56,6 +56,8 @@ class TObject {
 
   /// Ends the object: BeforeDestruction, then the destructor. Descendants say where it means something else.
   virtual void Free();
+  /// The TZmOwner that held the object has ended: Free, where a descendant does not say otherwise.
+  virtual void EndOwnership() { Free(); }
   /// Runs once after the outermost constructor when the object is made by Create.
   virtual void AfterConstruction() {}
   /// Runs once before the destructor when the object is ended by Free. May raise; the object then lives on.

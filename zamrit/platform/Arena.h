@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+namespace zm {
+
+/// Memory that is given out piece by piece and taken back as a whole. It comes from blocks that grow with what they
+/// hold; past 1 MB they are multiples of 2 MB, under huge pages where the system has them, and some of those are kept
+/// for the next arena when one ends. What is not in use at the end of a block is at most an eighth of the whole, or a
+/// block. An arena is used by one thread at a time, different arenas by any.
+class TArena {
+ public:
+  /// Bytes behind a text of Room that may be written over.
+  static constexpr std::size_t cPad = 16;
+
+  TArena() = default;
+  ~TArena();
+  TArena(const TArena&) = delete;
+  TArena& operator=(const TArena&) = delete;
+
+  /// Size bytes, aligned to 8. Raises std::bad_alloc.
+  void* Take(std::size_t Size) {
+    Size = (Size + 7) & ~std::size_t{7};
+    if (static_cast<std::size_t>(FHigh - FLow) < Size) [[unlikely]]
+      AddBlock(Size);
+    return FHigh -= Size;
+  }
+  /// Room for a text of up to Size bytes and cPad more, which counts as taken once Keep is told where the text ends.
+  char* Room(std::size_t Size) {
+    if (static_cast<std::size_t>(FHigh - FLow) < Size + cPad) [[unlikely]]
+      AddBlock(Size + cPad);
+    return FLow;
+  }
+  /// Takes the room up to End.
+  void Keep(char* End) { FLow = End; }
+  /// A copy of a text.
+  std::string_view Copy(std::string_view Text) {
+    char* const to = Room(Text.size());
+    if (!Text.empty()) std::memcpy(to, Text.data(), Text.size());
+    Keep(to + Text.size());
+    return {to, Text.size()};
+  }
+
+  /// Bytes in blocks, in use or not.
+  std::size_t Reserved() const { return FReserved; }
+
+  /// Gives the blocks that are kept for coming arenas back to the system. Any thread.
+  static void ReleaseKept();
+
+ private:
+  struct TBlock {
+    char* Memory;
+    std::size_t Size;
+  };
+
+  void AddBlock(std::size_t Least);
+
+  // Texts are taken from the low end of a block upward, the rest from the high end downward.
+  char* FLow = nullptr;
+  char* FHigh = nullptr;
+  std::vector<TBlock> FBlocks;
+  std::size_t FReserved = 0;
+};
+
+}  // namespace zm
