@@ -7,12 +7,12 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/FailingAllocations.h"
 #include "zamrit/zamrit.h"
 
-namespace {
-
-// Counts down over the allocations of this thread; the one that reaches 0 fails.
 thread_local long AllocationsUntilFailure = -1;
+
+namespace {
 
 void* Allocate(std::size_t Size) {
   if (AllocationsUntilFailure > 0 && --AllocationsUntilFailure == 0) throw std::bad_alloc();

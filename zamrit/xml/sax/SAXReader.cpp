@@ -1,5 +1,6 @@
 #include "zamrit/xml/sax/SAXReader.h"
 
+#include "zamrit/common/CurrentMessageDetail.h"
 #include "zamrit/common/TextStreams.h"
 #include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/xml/sax/XMLErrors.h"
@@ -65,19 +66,7 @@ void TZmSAXReader::Run(TStream* Stream, bool DetectCodePage, std::uint16_t CodeP
 }
 
 void TZmSAXReader::TellFatalError() {
-  String message;
-  FUnexpectedEOF = false;
-  try {
-    throw;
-  } catch (const EZmTextParserEOF& e) {
-    FUnexpectedEOF = true;
-    message = e.GetMessage();
-  } catch (const Exception& e) {
-    message = e.GetMessage();
-  } catch (const std::exception& e) {
-    message = FromUTF8(e.what());
-  } catch (...) {  // NOLINT(bugprone-empty-catch): something without a message; the handler is told all the same
-  }
+  const String message = detail::CurrentMessage(FUnexpectedEOF);
   if (FErrorHandler) FErrorHandler->FatalError(this, message);
 }
 

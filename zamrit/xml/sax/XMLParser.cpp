@@ -3,6 +3,7 @@
 #include "zamrit/common/Encoding.h"
 #include "zamrit/common/uZmSysUtils.h"
 #include "zamrit/platform/TextDetail.h"
+#include "zamrit/xml/sax/NameCharsDetail.h"
 #include "zamrit/xml/sax/XMLErrors.h"
 
 namespace zm {
@@ -52,17 +53,6 @@ bool CheckU(TZmTextParser& Parser, const void* Char, bool Raise) {
 }
 bool CheckW(TZmTextParser& Parser, const void* Char, bool Raise) {
   return Check<char16_t>(Parser, Parser.SrcWCurrChar, Char, Raise);
-}
-
-bool IsNameStartChar(char16_t C) {
-  static constexpr struct {
-    char16_t First, Last;
-  } ranges[] = {{u'A', u'Z'},     {u'_', u'_'},     {u'a', u'z'},     {0xC0, 0xD6},     {0xD8, 0xF6},
-                {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F},
-                {0x2C00, 0x2FEF}, {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}};
-  for (const auto& range : ranges)
-    if (C >= range.First && C <= range.Last) return true;
-  return false;
 }
 
 }  // namespace
@@ -152,7 +142,8 @@ String TZmXMLParser::CurrText() {
 void TZmXMLParser::CheckValidNameStartChar() {
   const char16_t c = CurrChar();
   if (c == cZmColon) throw EZmXMLParseError(_cZmXMLInvalidNameStartchar1, {CurrText()}, xecInvalidNameStartChar);
-  if (!IsNameStartChar(c)) throw EZmXMLParseError(_cZmXMLInvalidNameStartchar2, {CurrText()}, xecInvalidNameStartChar);
+  if (!detail::IsNameStartChar(c))
+    throw EZmXMLParseError(_cZmXMLInvalidNameStartchar2, {CurrText()}, xecInvalidNameStartChar);
 }
 
 void TZmXMLParser::RaiseNotWellFormed(char16_t Expected) {

@@ -7,14 +7,6 @@
 namespace zm {
 namespace detail {
 
-/// The buffers of a reader that serve parse after parse.
-struct TXMLScratch {
-  TNameCache ElementNames;
-  TNameCache AttributeNames;
-  TTextScratch Texts;
-  TZmSAXXMAttributes Attributes;
-};
-
 namespace {
 
 /// The sink that pushes events into the handlers.
