@@ -1,14 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <map>
 #include <string>
 
 #include "tests/conformance/DataFolder.h"
+#include "tests/conformance/Outcomes.h"
 #include "tests/support/AllWays.h"
 
 namespace {
@@ -16,10 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Every file of the conformance suite and every larger document has a line in suite-outcomes.tsv: its path, whether it
-// was accepted or else the exception's class, code and position, and a hash of its events with their places. It says
-// what this reader does, not what it should do. After a change that is meant, record anew and look at the difference:
-//   ZM_RECORD_OUTCOMES=1 zamrit-tests --gtest_filter=Suite.*
-const fs::path cRecord = fs::path(__FILE__).replace_filename("suite-outcomes.tsv");
+// was accepted or else the exception's class, code and position, and a hash of its events with their places.
 
 /// Remembers the place of the failure beside the events.
 struct TOutcomeRecorder : TEventRecorder {
@@ -33,14 +26,6 @@ struct TOutcomeRecorder : TEventRecorder {
     TEventRecorder::FatalError(Where, Message);
   }
 };
-
-std::string ShortHash(const std::string& Text) {
-  std::uint32_t hash = 2166136261;
-  for (const char c : Text) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;
-  char digits[9];
-  std::snprintf(digits, sizeof digits, "%08x", hash);
-  return digits;
-}
 
 struct TReading {
   std::string Events, Outcome;
@@ -70,21 +55,11 @@ TReading ReadBy(F Parse) {
   return {std::move(recorder.Text), std::move(outcome)};
 }
 
-std::map<std::string, std::string> RecordedOutcomes() {
-  std::map<std::string, std::string> outcomes;
-  std::ifstream in(cRecord);
-  for (std::string line; std::getline(in, line);) {
-    const auto tab = line.find('\t');
-    outcomes[line.substr(0, tab)] = line.substr(tab + 1);
-  }
-  return outcomes;
-}
-
 TEST(Suite, EveryFileHasItsRecordedOutcomeHoweverItIsRead) {
   const auto folder = DataFolder();
   if (folder.empty()) return;
 
-  std::map<std::string, std::string> outcomes;
+  TOutcomes outcomes;
   for (const char* part : {"xml/docs", "xml/xmlconf"}) {
     for (const auto& entry : fs::recursive_directory_iterator(folder / part)) {
       if (!entry.is_regular_file()) continue;
@@ -104,15 +79,7 @@ TEST(Suite, EveryFileHasItsRecordedOutcomeHoweverItIsRead) {
     }
   }
 
-  if (std::getenv("ZM_RECORD_OUTCOMES")) {
-    std::ofstream out(cRecord, std::ios::binary);
-    for (const auto& [path, outcome] : outcomes) out << path << '\t' << outcome << '\n';
-    std::cout << "recorded: the outcomes of " << outcomes.size() << " files\n";
-    return;
-  }
-  auto recorded = RecordedOutcomes();
-  EXPECT_EQ(outcomes.size(), recorded.size());
-  for (const auto& [path, outcome] : outcomes) EXPECT_EQ(outcome, recorded[path]) << path;
+  CompareWithRecord(outcomes, "suite-outcomes.tsv");
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #pragma once
 
-// Events from XML text: readers, handlers, attributes and namespaces.
+// Events from XML text, and from JSON as if it were XML: readers, handlers, attributes and namespaces.
+#include "zamrit/xml/json/SAXJSONReader.h"
+#include "zamrit/xml/json/SAXParser.h"
 #include "zamrit/xml/sax/Attributes.h"
 #include "zamrit/xml/sax/Handlers.h"
 #include "zamrit/xml/sax/LambdaHandler.h"

@@ -1,0 +1,77 @@
+#include "zamrit/xml/json/SAXParser.h"
+
+#include "zamrit/common/Encoding.h"
+#include "zamrit/common/TextStreams.h"
+#include "zamrit/platform/ScopeDetail.h"
+#include "zamrit/xml/json/SAXJSONReader.h"
+#include "zamrit/xml/sax/XMLErrors.h"
+#include "zamrit/xml/sax/XMLReader.h"
+
+namespace zm {
+namespace {
+
+constexpr std::uint16_t cPageUTF16 = 1200, cPageUTF16BE = 1201;
+
+// Moves the stream to the first character above the blank, and tells whether it is "<".
+bool BeginsWithMarkup(TStream& Stream, std::uint16_t CodePage) {
+  const bool bigEndian = CodePage == cPageUTF16BE;
+  const std::size_t size = bigEndian || CodePage == cPageUTF16 ? 2 : 1;
+  std::size_t count;
+  unsigned value;
+  do {
+    unsigned char bytes[2] = {};
+    for (count = 0; count < size && Stream.Read(bytes + count, 1) == 1; ++count) {
+    }
+    const unsigned first = bytes[0], second = bytes[1];
+    value = bigEndian ? first << 8 | second : second << 8 | first;
+  } while (count == size && value <= u' ');
+  if (count > 0) Stream.Seek(-static_cast<std::int64_t>(count), soCurrent);
+  return value == u'<';
+}
+
+}  // namespace
+
+void TZmSAXParser::ParseStream(TStream* Stream, std::uint16_t CodePage, StringView PublicID) {
+  if (FRunning) throw EZmXMLException(_cZmXMLAlreadyParsing, xecAlreadyParsing);
+  const TZmIntf<IZmObject> self(this);
+  {
+    FRunning = true;
+    const detail::TFinally end([this] {
+      FReader.reset();
+      FRunning = false;
+    });
+    Call(OnStart);
+    if (BeginsWithMarkup(*Stream, CodePage))
+      FReader = Create<TZmSAXXMLReader>();
+    else
+      FReader = Create<TZmSAXJSONReader>();
+    FReader->SetErrorHandler(this);
+    FReader->SetLexicalHandler(this);
+    FReader->SetContentHandler(this);
+    FReader->ParseStream(Stream, CodePage, PublicID);
+  }
+  Call(OnFinished);
+}
+
+void TZmSAXParser::ParseFile(StringView FileName, std::uint16_t Mode, StringView PublicID) {
+  const auto stream = Create<TFileStream>(FileName, Mode);
+  const std::uint16_t marked = ZmGetCodePage(stream.get());
+  ParseStream(stream.get(), marked, PublicID);
+}
+
+void TZmSAXParser::ParseBuffer(const void* Buffer, unsigned Size, std::uint16_t CodePage, StringView PublicID) {
+  const auto stream = Create<TZmMemoryStream>(Buffer, Size);
+  ParseStream(stream.get(), CodePage, PublicID);
+}
+
+void TZmSAXParser::Parse(StringView Text, StringView PublicID) {
+  const auto stream = Create<TZmStringStream>(cZmBorrow, Text);
+  ParseStream(stream.get(), cPageUTF16, PublicID);
+}
+
+void TZmSAXParser::Parse(std::string_view Text, std::uint16_t CodePage, StringView PublicID) {
+  const auto stream = Create<TZmStringStream>(cZmBorrow, Text, CodePage);
+  ParseStream(stream.get(), CodePage, PublicID);
+}
+
+}  // namespace zm
