@@ -148,8 +148,6 @@ TEST(JSONValuesTest, ReadsAndWritesValues) {
   EXPECT_EQ(u"1.5", ZmValToJSON(TValue::From(1.5)));
   EXPECT_EQ(u"a&lt;", ZmValToJSON(TValue::From(u"a<")));
   EXPECT_THROW(ZmValToJSON(TValue::From(TPlace())), ENotSupportedException);
-  EXPECT_THROW(ZmFormatJSON(u"{}"sv), ENotSupportedException);
-  EXPECT_THROW(ZmFormatJSON("{}"sv), ENotSupportedException);
 }
 
 }  // namespace

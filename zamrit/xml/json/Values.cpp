@@ -10,6 +10,7 @@
 #include "zamrit/common/TextTypes.h"
 #include "zamrit/platform/Numbers.h"
 #include "zamrit/platform/reflection/Reflection.h"
+#include "zamrit/xml/json/JSONDocument.h"
 #include "zamrit/xml/values/DateTimes.h"
 #include "zamrit/xml/values/Numbers.h"
 #include "zamrit/xml/values/Values.h"
@@ -289,8 +290,16 @@ String ZmJSONtoStr(StringView Text, TZmJSONDataType DataType) {
   return out.Text();
 }
 
-String ZmFormatJSON(StringView) { throw ENotSupportedException(u"Formatting JSON is not supported yet!"); }
-RawByteString ZmFormatJSON(std::string_view) { throw ENotSupportedException(u"Formatting JSON is not supported yet!"); }
+String ZmFormatJSON(StringView Text) {
+  TZmJSONDocument document;
+  document.SetAsJSON(Text);
+  return document.GetAsJSON();
+}
+String ZmFormatJSON(std::string_view UTF8) {
+  TZmJSONDocument document;
+  document.SetAsJSON(FromUTF8(UTF8));
+  return document.GetFormattedJSON();
+}
 
 TZmJSONDataType ZmVarTypeToJSONType(const Variant& Value) {
   switch (TZmTypes::VarMainTypeKind(Value)) {

@@ -20,9 +20,10 @@ String ZmStrToJSON(StringView Text);
 /// escape that the text ends in gives nothing. Raises EConvertError for a digit that is none. Linear.
 String ZmJSONtoStr(StringView Text, TZmJSONDataType DataType);
 
-/// Formats JSON text. Not offered yet: raises ENotSupportedException.
+/// Reads JSON text into a document and writes it: the first on one line, the second in lines. Raises what
+/// loading raises.
 String ZmFormatJSON(StringView Text);
-RawByteString ZmFormatJSON(std::string_view Text);
+String ZmFormatJSON(std::string_view UTF8);
 
 /// The type of JSON value that a Variant becomes.
 TZmJSONDataType ZmVarTypeToJSONType(const Variant& Value);

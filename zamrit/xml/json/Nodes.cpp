@@ -1,0 +1,420 @@
+#include <algorithm>
+#include <typeinfo>
+
+#include "zamrit/platform/reflection/Reflection.h"
+#include "zamrit/xml/json/NodesDetail.h"
+
+namespace zm::detail {
+
+namespace {
+
+// Clears a value out of a record; what its extra holds of it too.
+void ForgetValue(TJSONNode* Node) {
+  Node->FirstChild() = nullptr;
+  if (Node->Has(jfExtra)) Node->Extra->Value = Variant();
+  Node->Size = 0;
+  Node->Flags &= ~(jfTypeMask | jfClassMask | jfMarked | jfVariant | jfSurrogates | jfKeepsChildren | jfList);
+}
+
+// The owner's hold goes; the object ends unless somebody else holds it.
+void LetGo(TZmJSONBase& Object) {
+  Object.SetAutoDestroy(true);
+  Object._Release();
+}
+
+bool IsHeldBesides(TZmJSONBase& Object) {
+  const int count = Object._AddRef();
+  Object._Release();
+  return count < 0 || count > 2;
+}
+
+}  // namespace
+
+void RaiseNotOfClass() { throw EInvalidCast(u"The node is not of the class that is asked for!"); }
+
+TZmJSONBase* TJSONNodes::ValueOf(TJSONTree& Tree, TJSONNode* Node) {
+  if (TZmJSONBase* const object = Node->Object()) return object;
+  TJSONExtra& extra = Tree.ExtraOf(Node);
+  switch (Node->Class()) {
+    case jcObject:
+      return extra.Node = Adopt(new TZmJSONObject(Tree, Node, false));
+    case jcArray:
+      return extra.Node = Adopt(new TZmJSONArray(Tree, Node, false));
+    case jcSimple:
+      return extra.Node = Adopt(new TZmJSONSimpleType(Tree, Node, false));
+    default:
+      return nullptr;
+  }
+}
+
+TZmJSONMember* TJSONNodes::MemberOf(TJSONTree& Tree, TJSONNode* Node) {
+  TJSONExtra& extra = Tree.ExtraOf(Node);
+  if (!extra.Member) extra.Member = Adopt(new TZmJSONMember(Tree, Node, true));
+  return static_cast<TZmJSONMember*>(extra.Member);
+}
+
+bool TJSONNodes::IsDerived(const TZmJSONBase& Object) {
+  const std::type_info& type = typeid(Object);
+  return type != typeid(TZmJSONObject) && type != typeid(TZmJSONArray) && type != typeid(TZmJSONSimpleType) &&
+         type != typeid(TZmJSONMember) && type != typeid(TZmJSONDocument);
+}
+
+TZmJSONBase* TJSONNodes::NewValue(TZmJSONBase* Owner, TZmJSONDataType DataType) {
+  switch (ClassOf(DataType)) {
+    case jcObject:
+      return Adopt(new TZmJSONObject(Owner));
+    case jcArray:
+      return Adopt(new TZmJSONArray(Owner));
+    default:
+      return Adopt(new TZmJSONSimpleType(Owner));
+  }
+}
+
+TJSONList& TJSONNodes::ListOf(TZmJSONBase& Object) {
+  if (Object.FList) return *Object.FList;
+  std::vector<TJSONNode*> items;
+  items.reserve(Object.FNode->Size);
+  for (TJSONNode* child = Object.FNode->FirstChild(); child; child = child->Next) items.push_back(child);
+  Object.FList = std::make_unique<TJSONList>(std::move(items));
+  return *Object.FList;
+}
+
+void TJSONList::AddHeld(TZmJSONBase* Object) {
+  FItems.push_back(nullptr);
+  FHeld.resize(FItems.size());
+  FHeld.back() = Object;
+}
+
+void TJSONList::Delete(std::size_t Index) {
+  const auto at = static_cast<std::ptrdiff_t>(Index);
+  FItems.erase(FItems.begin() + at);
+  if (Index < FHeld.size()) FHeld.erase(FHeld.begin() + at);
+}
+
+void TJSONList::Swap(std::size_t Index1, std::size_t Index2) {
+  std::swap(FItems[Index1], FItems[Index2]);
+  if (FHeld.empty()) return;
+  FHeld.resize(FItems.size());
+  std::swap(FHeld[Index1], FHeld[Index2]);
+}
+
+namespace {
+
+// The last index of what is there, or Count.
+template <class T>
+std::size_t LastIndexOf(const std::vector<T*>& Items, const T* Item, std::size_t Count) {
+  const auto found = std::find(Items.rbegin(), Items.rend(), Item);
+  return found == Items.rend() ? Count : static_cast<std::size_t>(Items.rend() - found) - 1;
+}
+
+}  // namespace
+
+std::size_t TJSONList::Find(const TJSONNode* Node) const { return LastIndexOf(FItems, Node, Count()); }
+std::size_t TJSONList::FindHeld(const TZmJSONBase* Object) const { return LastIndexOf(FHeld, Object, Count()); }
+
+namespace {
+
+void CheckIndex(const TJSONList& List, int Index) {
+  if (Index < 0 || static_cast<std::size_t>(Index) >= List.Count())
+    throw EListError(u"List index out of bounds (%d)", {Index});
+}
+
+}  // namespace
+
+TZmJSONBase* TJSONNodes::ItemOf(TZmJSONBase& Object, int Index) {
+  const TJSONList& list = ListOf(Object);
+  CheckIndex(list, Index);
+  const auto index = static_cast<std::size_t>(Index);
+  if (TZmJSONBase* const held = list.HeldAt(index)) return held;
+  if (list.IsGone(index)) return nullptr;
+  return list.Shown ? ValueOf(*list.Shown, list[index]) : ChildOf(*Object.FTree, list[index]);
+}
+
+void TJSONNodes::Exchange(TZmJSONBase& Object, int Index1, int Index2) {
+  TJSONList& list = ListOf(Object);
+  CheckIndex(list, Index1);
+  CheckIndex(list, Index2);
+  const auto low = static_cast<std::size_t>(std::min(Index1, Index2));
+  const auto high = static_cast<std::size_t>(std::max(Index1, Index2));
+  if (low == high) return;
+  list.Swap(low, high);
+  if (Object.FNode->Has(jfList)) return;
+  const auto join = [&](std::size_t Index) {
+    list[Index]->Next = Index + 1 < list.Count() ? list[Index + 1] : nullptr;
+  };
+  if (low == 0)
+    Object.FNode->FirstChild() = list[0];
+  else
+    join(low - 1);
+  join(low);
+  join(high - 1);
+  join(high);
+}
+
+void TJSONNodes::Show(TZmJSONArray& List, TJSONTree& Tree, std::vector<TJSONNode*>&& Nodes) {
+  TZmJSONBase& object = List;
+  object.FList = std::make_unique<TJSONList>(std::move(Nodes));
+  object.FNode->Flags |= jfList;
+  Tree.AddView();
+  object.FList->Shown = &Tree;
+}
+
+void TJSONNodes::Begin(TZmJSONBase& Object, TZmJSONBase* Owner, std::uint32_t Flags) {
+  Object.FTree = Owner ? Owner->FTree : new TJSONTree;
+  Object.FTree->AddRef();
+  Object.FIsMember = (Flags & jfMember) != 0;
+  Object.FNode = nullptr;
+  try {
+    TJSONTree& tree = *Object.FTree;
+    if (Owner && Owner->FIsMember) {
+      FreeValue(tree, Owner->FNode);
+      tree.ExtraOf(Owner->FNode).Node = &Object;
+      Object.FNode = Owner->FNode;
+      Object.FNode->Flags |= Flags;
+    } else {
+      TJSONNode* const node = tree.NewNode(Flags);
+      node->Owner = Owner ? Owner->FNode : nullptr;
+      TJSONExtra& extra = tree.ExtraOf(node);
+      (Object.FIsMember ? extra.Member : extra.Node) = &Object;
+      Object.FNode = node;
+    }
+    Object.SetAutoDestroy(!Owner);
+    if (Owner) Owner->InsertObject(&Object);
+  } catch (...) {
+    if (Object.FNode) End(Object);
+    Object.FTree->Release();
+    throw;
+  }
+}
+
+void TJSONNodes::Insert(TZmJSONBase& Owner, TZmJSONBase& Object) {
+  TJSONNode* const node = Object.FNode;
+  if (!Owner.FNode->IsContainer() || Owner.FIsMember) Owner.RaiseNotSupported(u"InsertObject");
+  if (node->Owner != Owner.FNode || node->Has(jfLinked)) return Hold(Owner, Object);
+  Link(Owner, node);
+  Object._AddRef();
+}
+
+void TJSONNodes::Hold(TZmJSONBase& Owner, TZmJSONBase& Object) {
+  ListOf(Owner).AddHeld(&Object);
+  Owner.FNode->Flags |= jfList;
+  Object._AddRef();
+}
+
+TJSONTree& TJSONNodes::TreeOf(TJSONNode* Node) {
+  while (Node->Owner) Node = Node->Owner;
+  return *(Node->Extra->Node ? Node->Extra->Node : Node->Extra->Member)->FTree;  // what has no owner has an object
+}
+
+void TJSONNodes::Link(TZmJSONBase& Owner, TJSONNode* Node) {
+  TJSONList& list = ListOf(Owner);
+  list.Add(Node);
+  TJSONNode* const owner = Owner.FNode;
+  TJSONNode* last = nullptr;
+  if (owner->Has(jfList)) {
+    for (last = owner->FirstChild(); last && last->Next;) last = last->Next;
+  } else if (list.Count() > 1) {
+    last = list[list.Count() - 2];
+  }
+  (last ? last->Next : owner->FirstChild()) = Node;
+  Node->Flags |= jfLinked;
+  ++owner->Size;
+}
+
+void TJSONNodes::Unlink(TZmJSONBase& Owner, TJSONNode* Node) {
+  TJSONNode* const owner = Owner.FNode;
+  TJSONList& list = ListOf(Owner);
+  const std::size_t found = list.Find(Node);
+  TJSONNode* before = nullptr;
+  if (owner->Has(jfList)) {
+    for (TJSONNode* child = owner->FirstChild(); child != Node; child = child->Next) before = child;
+  } else if (found > 0) {
+    before = list[found - 1];
+  }
+  (before ? before->Next : owner->FirstChild()) = Node->Next;
+  if (found < list.Count()) list.Delete(found);
+  Node->Next = nullptr;
+  Node->Flags &= ~std::uint32_t{jfLinked};
+  --owner->Size;
+}
+
+void TJSONNodes::Remove(TZmJSONBase& Owner, TZmJSONBase& Object) {
+  TJSONNode* const node = Object.FNode;
+  if (node->Owner == Owner.FNode && node->Has(jfLinked)) {
+    Unlink(Owner, node);
+    node->Owner = nullptr;
+  } else {
+    if (!Owner.FNode->Has(jfList)) return;
+    TJSONList& list = *Owner.FList;
+    if (const std::size_t held = list.FindHeld(&Object); held < list.Count()) {
+      list.Delete(held);
+    } else {
+      if (const std::size_t shown = list.Find(node); shown < list.Count()) list.Delete(shown);
+      return;  // what a path has found is not held
+    }
+  }
+  Object._Release();
+}
+
+void TJSONNodes::SplitValue(TJSONTree& Tree, TJSONNode* Member) {
+  constexpr std::uint32_t notItsOwn = jfMember | jfWide | jfExtra | jfOwnName | jfNameSurrogates | jfLinked;
+  TJSONNode* const own = Tree.NewNode(Member->Flags & ~notItsOwn);
+  own->Size = Member->Size;
+  own->First = Member->FirstChild();
+  TJSONExtra& extra = Tree.ExtraOf(own);
+  std::swap(extra.Node, Member->Extra->Node);
+  extra.Value = std::move(Member->Extra->Value);
+  if (own->IsContainer())
+    for (TJSONNode* child = own->FirstChild(); child; child = child->Next) child->Owner = own;
+  extra.Node->FNode = own;
+  ForgetValue(Member);
+}
+
+void TJSONNodes::Detach(TZmJSONBase& Object) {
+  if (Object.FIsMember != Object.FNode->Has(jfMember)) return;
+  if (TZmJSONBase* const owner = Object.FNode->Has(jfLinked) ? Object.GetOwner() : nullptr) {
+    owner->RemoveObject(&Object);
+    if (Object.FNode->Has(jfLinked)) Unlink(*owner, Object.FNode);  // an override has kept it
+  }
+  Object.FNode->Owner = nullptr;
+}
+
+void TJSONNodes::FreeValue(TJSONTree& Tree, TJSONNode* Member) {
+  if (Member->Class() == jcNone) return;
+  if (TZmJSONBase* const object = Member->Object()) {
+    if (IsHeldBesides(*object)) SplitValue(Tree, Member);
+    LetGo(*object);  // its end clears the member's value
+  } else {
+    if (Member->IsContainer()) PushChildren(Tree, Member);
+    ForgetValue(Member);
+  }
+  Drain(Tree);
+}
+
+void TJSONNodes::PushChildren(TJSONTree& Tree, TJSONNode* Node) {
+  TJSONNode* child = Node->FirstChild();
+  Node->FirstChild() = nullptr;
+  Node->Size = 0;
+  if (Tree.Leaving && !Node->Has(jfMarked)) return;
+  while (child) {
+    TJSONNode* const next = child->Next;
+    child->Owner = nullptr;
+    child->Flags &= ~std::uint32_t{jfLinked};
+    if (!Tree.Leaving || child->Has(jfExtra) || child->Has(jfMarked)) {
+      child->Next = Tree.Pending;
+      Tree.Pending = child;
+    }
+    child = next;
+  }
+}
+
+void TJSONNodes::LeaveChildren(TJSONNode* Node) {
+  for (TJSONNode* child = Node->FirstChild(); child;) {
+    TJSONNode* const next = child->Next;
+    child->Owner = child->Next = nullptr;
+    child->Flags &= ~std::uint32_t{jfLinked};
+    if (TZmJSONBase* const object = child->Object()) object->_Release();
+    child = next;
+  }
+  Node->FirstChild() = nullptr;
+  Node->Size = 0;
+}
+
+void TJSONNodes::Drain(TJSONTree& Tree) {
+  if (Tree.Freeing) return;
+  Tree.AddRef();
+  Tree.Freeing = true;
+  while (TJSONNode* const node = Tree.Pending) {
+    Tree.Pending = node->Next;
+    node->Next = nullptr;
+    Dispose(Tree, node);
+  }
+  Tree.Freeing = false;
+  Tree.Release();
+}
+
+// Of a node that has no owner any more: its object, which ends or goes on with it, or the record itself.
+void TJSONNodes::Dispose(TJSONTree& Tree, TJSONNode* Node) {
+  if (Node->Has(jfExtra)) {
+    if (Node->Extra->Member) return LetGo(*Node->Extra->Member);
+    if (TZmJSONBase* const object = Node->Extra->Node) {
+      TJSONTree::DropName(Node);
+      Node->Flags &= ~std::uint32_t{jfMember};
+      return LetGo(*object);
+    }
+  }
+  if (Node->IsContainer()) PushChildren(Tree, Node);
+  Tree.DropExtra(Node);
+  TJSONTree::DropName(Node);
+  if (!Tree.Leaving) Tree.Recycle(Node);
+}
+
+void TJSONNodes::End(TZmJSONBase& Object) {
+  TJSONTree& tree = *Object.FTree;
+  TJSONNode* const node = Object.FNode;
+  Detach(Object);
+  if (Object.FIsMember) {
+    node->Extra->Member = nullptr;
+    Dispose(tree, node);
+  } else {
+    if (node->IsContainer()) FreeChildren(Object);
+    node->Extra->Node = nullptr;
+    if (node->Has(jfMember)) {
+      ForgetValue(node);
+    } else {
+      tree.DropExtra(node);
+      node->Flags &= ~(jfClassMask | jfLinked);
+      if (!tree.Leaving) tree.Recycle(node);
+    }
+  }
+  Drain(tree);
+}
+
+void TJSONNodes::FreeListed(TZmJSONBase& Object) {
+  const std::unique_ptr<TJSONList> list = std::move(Object.FList);
+  Object.FNode->Flags &= ~std::uint32_t{jfList};
+  const bool keeps = Object.FNode->Has(jfKeepsChildren);
+  for (std::size_t i = list->Count(); i-- > 0;) {
+    TZmJSONBase* const object = list->HeldAt(i);
+    if (!object) continue;
+    if (!keeps) object->FreeObject();
+    object->_Release();
+  }
+}
+
+void TJSONNodes::Renew(TZmJSONBase& Document) {
+  TJSONTree* tree = new TJSONTree;
+  tree->AddRef();
+  try {
+    TJSONNode* const node = tree->NewNode(ClassFlags(jcDocument, jdtNull));
+    tree->ExtraOf(node).Node = &Document;
+    Document.FNode->Extra->Node = nullptr;
+    Document.FNode = node;
+  } catch (...) {
+    tree->Release();
+    throw;
+  }
+  std::swap(Document.FTree, tree);
+  tree->Release();
+}
+
+void TJSONNodes::FreeChildren(TZmJSONBase& Object) {
+  if (Object.FNode->Has(jfList)) FreeListed(Object);
+  Object.FList.reset();
+  TJSONTree& tree = *Object.FTree;
+  if (Object.FNode->Has(jfKeepsChildren)) return LeaveChildren(Object.FNode);
+  if (Object.FNode->Class() != jcDocument || tree.Freeing) {
+    PushChildren(tree, Object.FNode);
+    return Drain(tree);
+  }
+  if (!Object.FNode->FirstChild()) return;
+  tree.AddRef();
+  tree.Leaving = true;
+  PushChildren(tree, Object.FNode);
+  Drain(tree);
+  tree.Leaving = false;
+  tree.Left = true;
+  tree.Release();
+}
+
+}  // namespace zm::detail

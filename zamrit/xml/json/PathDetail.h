@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "zamrit/xml/json/ModelInterfaces.h"
+#include "zamrit/xml/json/PathFilterDetail.h"
+#include "zamrit/xml/json/TreeDetail.h"
+
+namespace zm::detail {
+
+/// What a path leads to.
+struct TJSONSelection {
+  std::vector<TJSONNode*> Nodes;  ///< in order; a node found twice stands twice
+  TJSONTree* Tree;                ///< theirs, or nil where there may be several
+};
+TJSONSelection SelectJSON(TZmJSONBase& Start, StringView Path, TZmJDOCSelectOptions Options);
+
+/// One item between the commas of a step.
+struct TPathItem {
+  enum TKind { pkFilter, pkIndexExpression, pkSlice, pkIndex, pkName };
+
+  StringView Text;
+  TKind Kind;
+  // What is made of the text when the item is first used.
+  std::optional<TJSONName> Name;
+  String NameText;
+  bool All = false;
+  std::unique_ptr<TPathFilter> Filter;
+};
+
+struct TPathStep {
+  bool Recursive = false;
+  std::vector<TPathItem> Items;
+  std::size_t End = 0;  // where the rest of the path begins
+};
+
+/// The children of a container, one after the other, as its class gives them.
+struct TChildCursor {
+  TJSONNode* Node;
+  TJSONNode* Child = nullptr;
+  int Index = 0;
+  bool InChain;
+
+  explicit TChildCursor(TJSONNode* Container);
+};
+
+/// One alternative of a path, without its first character. Its steps are cut when the selection comes to them.
+class TPathAlternative {
+ public:
+  explicit TPathAlternative(StringView Text) : FText(Text) {}
+
+  bool IsEnd(std::size_t Step) const { return StartOf(Step) >= FText.size(); }
+  /// The step of an index; those before it have been asked for.
+  TPathStep& Step(std::size_t Index);
+
+ private:
+  std::size_t StartOf(std::size_t Step) const { return Step == 0 ? 0 : FSteps[Step - 1].End; }
+
+  StringView FText;
+  std::deque<TPathStep> FSteps;
+};
+
+/// A path that can be followed from one node after the other.
+class TJSONPath {
+ public:
+  /// Depth counts the filters that the path stands in.
+  TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth);
+  ~TJSONPath();
+
+  /// Appends what the path leads to from a node, a member's value where AsMember says so.
+  void Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, std::vector<TJSONNode*>& Found);
+  /// Whether it has come to a node of another tree.
+  bool LeavesTree() const { return FLeavesTree; }
+
+ private:
+  struct TTask;
+
+  void Run(TPathAlternative& Path, TJSONNode* Start, std::vector<TJSONNode*>& Found);
+  void Use(TPathItem& Item, TJSONNode* Node);
+  void UseFilter(TPathItem& Item, TJSONNode* Node);
+  void UseSlice(StringView Text, TJSONNode* Node);
+  void UseIndex(std::int64_t Index, TJSONNode* Node);
+  void UseName(TPathItem& Item, TJSONNode* Node);
+  void CreateMember(TPathItem& Item, TJSONNode* Node);
+  std::int64_t IndexOf(StringView Expression, TJSONNode* Node);
+  TJSONNode* NextChild(TChildCursor& Children);
+  void Note(TZmJSONBase& Object);
+  TJSONTree& TreeOf(TJSONNode* Node);
+
+  struct TPart {
+    String Text;
+    std::optional<TPathAlternative> Path;
+  };
+
+  std::deque<TPart> FParts;
+  TZmJDOCSelectOptions FOptions;
+  int FDepth;
+  TJSONTree* FTree = nullptr;
+  bool FLeavesTree = false;
+  std::vector<TJSONNode*> FList;
+  std::vector<TJSONNode*> FFresh;
+  std::vector<TTask> FTasks;
+};
+
+}  // namespace zm::detail

@@ -1,0 +1,326 @@
+#include <utility>
+
+#include "zamrit/common/SysUtils.h"
+#include "zamrit/common/ZmTypes.h"
+#include "zamrit/platform/Numbers.h"
+#include "zamrit/platform/TextDetail.h"
+#include "zamrit/xml/json/JSONErrors.h"
+#include "zamrit/xml/json/NodesDetail.h"
+#include "zamrit/xml/json/PathDetail.h"
+#include "zamrit/xml/json/SimpleDetail.h"
+
+namespace zm::detail {
+
+namespace {
+
+[[noreturn]] void RaiseTooComplex() { throw EZmJSONException(_cZmJSONScriptExprTooComplex, 17); }
+
+/// What an operand can be compared as.
+struct TReading {
+  std::int32_t Integer = 0;
+  double Float = 0;
+  bool Boolean = false;
+  bool IsInteger = false, IsFloat = false, IsBoolean = false;
+
+  explicit TReading(StringView Text) {
+    if (TryStrToInt(Text, Integer)) {
+      IsInteger = IsFloat = true;
+      Float = Integer;
+    } else if (TryStrToFloat(Text, Float)) {
+      IsFloat = true;
+    } else {
+      Boolean = SameText(Text, u"true");
+      IsBoolean = Boolean || SameText(Text, u"false");
+    }
+  }
+};
+
+bool StartsQuoted(StringView Text) { return Text.starts_with(u'\'') || Text.starts_with(u'"'); }
+
+}  // namespace
+
+/// The cursor over the expression.
+class TPathFilter::TScan {
+ public:
+  explicit TScan(StringView Text) : FText(Text) {}
+
+  bool AtEnd() const { return FAt >= FText.size(); }
+  /// NUL at the end, as in the text itself.
+  char16_t Char() const { return AtEnd() ? u'\0' : FText[FAt]; }
+  void Next() {
+    if (!AtEnd()) ++FAt;
+  }
+  void SkipBlanks() {
+    while (!AtEnd() && FText[FAt] == u' ') ++FAt;
+  }
+  void Expect(const char16_t* Expected) {
+    if (!AtEnd() && FText[FAt] == *Expected) return Next();
+    std::size_t size = AtEnd() ? 0 : 1;
+    if (size == 1 && IsHighSurrogate(FText[FAt]) && FAt + 1 < FText.size() && IsLowSurrogate(FText[FAt + 1])) size = 2;
+    throw EZmJSONException(_cZmJSONInvalidCharInPath1, {Expected, FText.substr(std::min(FAt, FText.size()), size)}, 14);
+  }
+  StringView Operand() {
+    const std::size_t begin = FAt;
+    Next();
+    while ((FAt = FText.find_first_of(u"!&)<=>|[(", FAt)) != StringView::npos) {
+      if (FText[FAt] != u'[' && FText[FAt] != u'(') break;
+      FAt = FText.find(FText[FAt] == u'[' ? u']' : u')', FAt);
+      if (FAt == StringView::npos) break;
+      ++FAt;
+    }
+    FAt = std::min(FAt, FText.size());
+    return Trim(FText.substr(begin, FAt - begin));
+  }
+
+ private:
+  StringView FText;
+  std::size_t FAt = 0;
+};
+
+TPathFilter::TPathFilter(StringView Item, bool IgnoreCase, int Depth) : FIgnoreCase(IgnoreCase), FDepth(Depth) {
+  if (!Item.starts_with(u"?(")) throw EZmJSONException(_cZmJSONInvalidCharInPath1, {u"?(", Item.substr(0, 2)}, 14);
+  StringView text = Item.substr(2);
+  if (!text.empty()) text.remove_suffix(1);
+  TScan scan(text);
+  int current = 0;
+  FTerms.emplace_back();
+  const auto add = [&](int Parent) {
+    FTerms.emplace_back().Parent = Parent;
+    return static_cast<int>(FTerms.size()) - 1;
+  };
+  const auto at = [&](int Term) -> TTerm& { return FTerms[static_cast<std::size_t>(Term)]; };
+  const auto goDown = [&](TKind Kind) {
+    at(current).Kind = Kind;
+    const int child = add(current);
+    at(current).Child = child;
+    current = child;
+    scan.Next();
+  };
+  const auto goUp = [&] {
+    current = at(current).Parent;
+    if (current == cNone) RaiseTooComplex();
+  };
+  const auto goOn = [&](const char16_t* Operator) {
+    scan.Next();
+    scan.Expect(Operator);
+    const int next = add(at(current).Parent);
+    at(current).Next = next;
+    at(current).And = *Operator == u'&';
+    current = next;
+  };
+  const auto compare = [&](TComparison Operator) {
+    at(current).Kind = tkComparison;
+    at(current).Operator = Operator;
+    at(current).Right = MakeOperand(scan.Operand(), false);
+  };
+  const auto term = [&] {
+    const StringView left = scan.Operand();
+    const char16_t sign = scan.Char();
+    const bool comparison = sign == u'!' || sign == u'=' || sign == u'<' || sign == u'>';
+    at(current).Left = MakeOperand(left, IgnoreCase && !comparison);
+    if (!comparison) {
+      at(current).Kind = tkExists;
+      return;
+    }
+    scan.Next();
+    const auto follows = [&](char16_t Char) {
+      const bool there = scan.Char() == Char;
+      if (there) scan.Next();
+      return there;
+    };
+    if (sign == u'!' || sign == u'=') {
+      scan.Expect(u"=");
+      compare(sign == u'!' ? opUnequal : opEqual);
+    } else if (sign == u'<') {
+      compare(follows(u'=') ? opSmallerEqual : follows(u'>') ? opUnequal : opSmaller);
+    } else {
+      compare(follows(u'=') ? opGreaterEqual : opGreater);
+    }
+  };
+
+  bool closeTerm = false;
+  do {
+    switch (scan.AtEnd() ? u'\0' : scan.Char()) {
+      case u'(':
+        goDown(tkChild);
+        break;
+      case u')':
+        goUp();
+        scan.Next();
+        break;
+      case u'!':
+        goDown(tkNot);
+        closeTerm = true;
+        break;
+      case u'&':
+        goOn(u"&");
+        break;
+      case u'|':
+        goOn(u"|");
+        break;
+      default:
+        term();
+        if (closeTerm) goUp();
+        closeTerm = false;
+    }
+    scan.SkipBlanks();
+  } while (!scan.AtEnd());
+}
+
+TPathFilter::~TPathFilter() = default;
+
+TPathFilter::TOperand TPathFilter::MakeOperand(StringView Text, bool IgnoreCase) const {
+  TOperand operand{String(Text), nullptr};
+  const TZmJDOCSelectOptions options = IgnoreCase ? TZmJDOCSelectOptions{jsoCaseInsensitive} : TZmJDOCSelectOptions{};
+  operand.Path = std::make_unique<TJSONPath>(Text, options, FDepth);
+  return operand;
+}
+
+bool TPathFilter::Holds(TJSONTree& Tree, TJSONNode* Node) {
+  FTree = &Tree;
+  FNode = Node;
+  FInvalid = false;
+  ++FRound;
+  const bool holds = Chain(0);
+  return holds && !FInvalid;
+}
+
+TPathFilter::TTerm& TPathFilter::Fresh(int Term) {
+  TTerm& term = FTerms[static_cast<std::size_t>(Term)];
+  if (term.Round != FRound) {
+    term.Round = FRound;
+    term.FromHere = term.Rest[0] = term.Rest[1] = cNone;
+  }
+  return term;
+}
+
+struct TPathFilter::TFrame {
+  int Term;
+  bool WholeChain;  // from the term on; else what follows it, joined to UpToHere
+  bool UpToHere = false;
+  int Stage = 0;
+};
+
+// Each chain, and each rest of one, is computed once, without recursion: expressions may be nested and chained without
+// limit.
+bool TPathFilter::Chain(int Term) {
+  std::vector<TFrame> stack{{Term, true}};
+  bool result = false;  // of the frame that has been left last
+  while (!stack.empty()) {
+    TFrame& frame = stack.back();
+    TTerm& term = Fresh(frame.Term);
+    std::int8_t& known = frame.WholeChain ? term.FromHere : term.Rest[frame.UpToHere];
+    if (known != cNone) {
+      result = known != 0;
+      stack.pop_back();
+      continue;
+    }
+    if (frame.WholeChain) {
+      switch (frame.Stage++) {
+        case 0:
+          if (term.Kind == tkChild || term.Kind == tkNot) {
+            stack.push_back({term.Child, true});
+            continue;
+          }
+          result = ValueOf(term);
+          frame.Stage = 2;
+          [[fallthrough]];
+        case 1:
+          if (term.Kind == tkNot) result = !result;
+          if (term.Next != cNone) {
+            frame.Stage = 2;
+            stack.push_back({frame.Term, false, result});
+            continue;
+          }
+          [[fallthrough]];
+        default:
+          known = result;
+          stack.pop_back();
+      }
+      continue;
+    }
+    switch (frame.Stage++) {
+      case 0:
+        if (frame.UpToHere == term.And) {
+          stack.push_back({term.Next, true});
+          continue;
+        }
+        result = frame.UpToHere;
+        [[fallthrough]];
+      case 1:
+        frame.Stage = 2;
+        if (Fresh(term.Next).Next != cNone) {
+          stack.push_back({term.Next, false, result});
+          continue;
+        }
+        [[fallthrough]];
+      default:
+        known = result;
+        stack.pop_back();
+    }
+  }
+  return result;
+}
+
+bool TPathFilter::ValueOf(TTerm& Term) {
+  Assert(Term.Kind != tkNone, u"An expression without a value!");
+  if (Term.Kind == tkComparison) return Compare(Term);
+  FFound.clear();
+  Term.Left.Path->Follow(*FTree, FNode, false, FFound);
+  return !FFound.empty();
+}
+
+Variant TPathFilter::OperandValue(TOperand& Operand) {
+  if (Operand.Text.empty()) return Null();
+  if (Operand.Text[0] != u'$' && Operand.Text[0] != u'@') return Operand.Text;
+  FFound.clear();
+  Operand.Path->Follow(*FTree, FNode, false, FFound);
+  if (FFound.empty()) return Null();
+  TJSONNode* const node = FFound[0];
+  if (node->Class() == jcSimple) return ZmVarToStr(ValueOfSimple(*node));
+  return TJSONNodes::ValueOf(*FTree, node)->GetValueObj()->GetAsString();
+}
+
+bool TPathFilter::Compare(TTerm& Term) {
+  const auto compare = [&Term](const auto& Left, const auto& Right) {
+    switch (Term.Operator) {
+      case opUnequal:
+        return Left != Right;
+      case opEqual:
+        return Left == Right;
+      case opSmaller:
+        return Left < Right;
+      case opSmallerEqual:
+        return Left <= Right;
+      case opGreater:
+        return Left > Right;
+      default:
+        return Left >= Right;
+    }
+  };
+  const Variant leftValue = OperandValue(Term.Left), rightValue = OperandValue(Term.Right);
+  if (leftValue.IsNull() || rightValue.IsNull()) {
+    FInvalid = true;
+    return false;
+  }
+  String left = leftValue.TextRef(), right = rightValue.TextRef();
+  if (StartsQuoted(left) || StartsQuoted(right)) {
+    left = ZmStripLiterals(left);
+    right = ZmStripLiterals(right);
+  } else {
+    const TReading l(left), r(right);
+    if (l.IsInteger && r.IsInteger) return compare(l.Integer, r.Integer);
+    if (l.IsFloat && r.IsFloat) return compare(l.Float, r.Float);
+    if (l.IsBoolean && r.IsBoolean) return compare(l.Boolean, r.Boolean);
+    if (l.IsFloat || r.IsFloat) {
+      FInvalid = true;
+      return false;
+    }
+  }
+  if (!FIgnoreCase) return compare(left, right);
+  if (Term.Operator == opEqual || Term.Operator == opUnequal)
+    return SameText(left, right) == (Term.Operator == opEqual);
+  return compare(LowerCase(left), LowerCase(right));
+}
+
+}  // namespace zm::detail

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "zamrit/platform/Strings.h"
+#include "zamrit/platform/Variant.h"
+
+namespace zm::detail {
+
+class TJSONPath;
+class TJSONTree;
+struct TJSONNode;
+
+/// The expression of a filter, made of terms in chains. The terms of a chain are joined by "&&" and "||" without
+/// precedence: the first term is joined with the chain that begins at the second, the outcome with the chain that
+/// begins at the third, and so on.
+class TPathFilter {
+ public:
+  /// The text of the item, "?(" and all. Depth counts the filters that it stands in.
+  TPathFilter(StringView Item, bool IgnoreCase, int Depth);
+  ~TPathFilter();
+
+  /// Whether the expression holds for a node.
+  bool Holds(TJSONTree& Tree, TJSONNode* Node);
+
+ private:
+  enum TComparison { opUnequal, opEqual, opSmaller, opSmallerEqual, opGreater, opGreaterEqual };
+  enum TKind { tkNone, tkChild, tkNot, tkExists, tkComparison };
+  static constexpr int cNone = -1;
+
+  struct TOperand {
+    String Text;
+    std::unique_ptr<TJSONPath> Path;  // where the text begins with "$" or "@"
+  };
+  struct TTerm {
+    TKind Kind = tkNone;
+    bool And = false;  // how Next is joined
+    int Parent = cNone, Next = cNone, Child = cNone;
+    TComparison Operator = opEqual;
+    TOperand Left, Right;
+    // What is known of it for the node of this round.
+    unsigned Round = 0;
+    std::int8_t FromHere = cNone;          // the chain that begins here
+    std::int8_t Rest[2] = {cNone, cNone};  // what follows here, with false or true up to here
+  };
+  class TScan;
+  struct TFrame;
+
+  TTerm& Fresh(int Term);
+  bool Chain(int Term);
+  bool ValueOf(TTerm& Term);
+  bool Compare(TTerm& Term);
+  Variant OperandValue(TOperand& Operand);
+  TOperand MakeOperand(StringView Text, bool IgnoreCase) const;
+
+  std::vector<TTerm> FTerms;
+  bool FIgnoreCase;
+  int FDepth;
+  unsigned FRound = 0;
+  bool FInvalid = false;
+  TJSONTree* FTree = nullptr;
+  TJSONNode* FNode = nullptr;
+  std::vector<TJSONNode*> FFound;
+};
+
+}  // namespace zm::detail
