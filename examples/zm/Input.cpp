@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 namespace zmtool {
 namespace {
@@ -17,26 +16,33 @@ zm::TZmOwner<zm::TStream> Open(const std::string& Name) {
   return zm::Create<zm::TFileStream>(std::string_view(Name), zm::fmOpenRead);
 }
 
+bool CanMove(zm::TStream& Stream) {
+  try {
+    Stream.GetSize();
+    return true;
+  } catch (const zm::EStreamError&) {
+    return false;
+  }
+}
+
 }  // namespace
 
-TInput::TInput(const std::string& Name) : FSource(Open(Name)), FTerminal(isatty(STDERR_FILENO) != 0) {}
+// Standard input may begin in the middle of a file, so it is never moved.
+TInput::TInput(const std::string& Name)
+    : FSource(Open(Name)), FSeekable(Name != "-" && CanMove(*FSource)), FTerminal(isatty(STDERR_FILENO) != 0) {}
 
 TInput::~TInput() {
   if (FShown > 0) std::fputs("\r\x1b[K", stderr);
 }
 
 std::size_t TInput::Read(void* Buffer, std::size_t Count) {
-  if (FBytesRead < static_cast<std::int64_t>(cHead) && FPosition == FBytesRead) {
-    char head[cHead];
-    const std::size_t count = FSource->Read(head, cHead - static_cast<std::size_t>(FBytesRead));
-    FHead.append(head, count);
-    FBytesRead += static_cast<std::int64_t>(count);
-  }
   std::size_t count;
-  if (const auto at = static_cast<std::size_t>(FPosition); at < FHead.size()) {
+  if (const auto at = static_cast<std::size_t>(FPosition); !FSeekable && at < FHead.size()) {
     count = FHead.copy(static_cast<char*>(Buffer), Count, at);
   } else {
-    count = FSource->Read(Buffer, Count);
+    const bool toHead = !FSeekable && at < cHead;
+    count = FSource->Read(Buffer, toHead ? std::min(Count, cHead - at) : Count);
+    if (toHead) FHead.append(static_cast<const char*>(Buffer), count);
     FBytesRead = std::max(FBytesRead, FPosition + static_cast<std::int64_t>(count));
   }
   FPosition += static_cast<std::int64_t>(count);
@@ -45,14 +51,25 @@ std::size_t TInput::Read(void* Buffer, std::size_t Count) {
 }
 
 std::int64_t TInput::Seek(std::int64_t Offset, zm::TSeekOrigin Origin) {
-  const auto head = static_cast<std::int64_t>(FHead.size());
+  if (FSeekable) return FPosition = FSource->Seek(Offset, Origin);
   const std::int64_t to = Origin == zm::soCurrent ? FPosition + Offset : Offset;
-  const bool within = Origin != zm::soEnd && to >= 0 && to <= head && FPosition <= head && FBytesRead == head;
-  if (!within && !(Origin == zm::soCurrent && Offset == 0))
-    FPosition = FSource->Seek(Origin == zm::soEnd ? Offset : to, Origin == zm::soEnd ? zm::soEnd : zm::soBeginning);
-  else
-    FPosition = to;
-  return FPosition;
+  const auto head = static_cast<std::int64_t>(FHead.size());
+  if (Origin != zm::soEnd && to >= 0 && to <= head && FBytesRead == head) return FPosition = to;
+  return SeekNowhere(FPosition, Offset, Origin);
+}
+
+TTextKind TInput::FindKind() {
+  char bytes[cHead];
+  const char* visible = bytes;
+  const char* end = bytes;
+  while (visible == end && end < bytes + cHead) {
+    const std::size_t count = Read(bytes + (end - bytes), static_cast<std::size_t>(bytes + cHead - end));
+    if (count == 0) break;
+    end += count;
+    visible = std::find_if(visible, end, [](char c) { return c > ' ' && c < '\x7F'; });
+  }
+  SetPosition(0);
+  return visible != end && *visible == '<' ? tkXML : tkJSON;
 }
 
 void TInput::ShowProgress() {

@@ -3,8 +3,6 @@
 namespace zmtool {
 namespace {
 
-constexpr std::size_t cBuffer = 1 << 16;
-
 bool IsSurrogate(char16_t C) { return (C & 0xF800) == 0xD800; }
 
 // Whether the unit at I begins a well-formed pair.
@@ -39,22 +37,22 @@ void AppendEscaped(std::string& Out, char16_t C) {
 }  // namespace
 
 void TJSONLines::Begin(std::string_view Event) {
-  FBuffer += "[\"";
-  FBuffer += Event;
-  FBuffer += '"';
+  FLine += "[\"";
+  FLine += Event;
+  FLine += '"';
   FFirst = false;
 }
 
 void TJSONLines::Comma() {
-  if (!FFirst) FBuffer += ',';
+  if (!FFirst) FLine += ',';
   FFirst = false;
 }
 
 void TJSONLines::Text(zm::StringView Value) {
   Comma();
-  FBuffer += '"';
+  FLine += '"';
   std::size_t plain = 0;
-  const auto putPlain = [&](std::size_t end) { FBuffer += zm::ToUTF8(Value.substr(plain, end - plain)); };
+  const auto putPlain = [&](std::size_t end) { FLine += zm::ToUTF8(Value.substr(plain, end - plain)); };
   for (std::size_t i = 0; i < Value.size(); ++i) {
     const char16_t c = Value[i];
     if (c >= 0x20 && c != u'"' && c != u'\\' && !IsSurrogate(c)) continue;
@@ -63,38 +61,33 @@ void TJSONLines::Text(zm::StringView Value) {
       continue;
     }
     putPlain(i);
-    AppendEscaped(FBuffer, c);
+    AppendEscaped(FLine, c);
     plain = i + 1;
   }
   putPlain(Value.size());
-  FBuffer += '"';
+  FLine += '"';
 }
 
 void TJSONLines::Number(long long Value) {
   Comma();
-  FBuffer += std::to_string(Value);
+  FLine += std::to_string(Value);
 }
 
 void TJSONLines::OpenArray() {
   Comma();
-  FBuffer += '[';
+  FLine += '[';
   FFirst = true;
 }
 
 void TJSONLines::CloseArray() {
-  FBuffer += ']';
+  FLine += ']';
   FFirst = false;
 }
 
 void TJSONLines::End() {
-  FBuffer += "]\n";
-  if (FBuffer.size() >= cBuffer) Flush();
-}
-
-bool TJSONLines::Flush() {
-  const bool taken = std::fwrite(FBuffer.data(), 1, FBuffer.size(), FFile) == FBuffer.size();
-  FBuffer.clear();
-  return std::fflush(FFile) == 0 && taken;
+  FLine += "]\n";
+  FOut.Put(FLine);
+  FLine.clear();
 }
 
 }  // namespace zmtool

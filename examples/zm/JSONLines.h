@@ -1,38 +1,53 @@
 #pragma once
 
-#include <cstdio>
 #include <string>
 #include <string_view>
 
-#include "zamrit/platform/Strings.h"
+#include "Output.h"
 
 namespace zmtool {
 
-/// Writes one JSON array a line to a file, by the letter of JSON, so that any parser reads the texts back exactly; a
-/// lone surrogate goes out as an escape.
+/// Writes one JSON array a line, by the letter of JSON, so that any parser reads the texts back exactly; a lone
+/// surrogate goes out as an escape.
 class TJSONLines {
  public:
-  explicit TJSONLines(std::FILE* File) : FFile(File) {}
-  ~TJSONLines() { Flush(); }
-  TJSONLines(const TJSONLines&) = delete;
-  TJSONLines& operator=(const TJSONLines&) = delete;
+  explicit TJSONLines(TOutput& Out) : FOut(Out) {}
+
+  /// A whole line: the name of an event and its texts.
+  template <class... Texts>
+  void Print(std::string_view Event, Texts... Values) {
+    Begin(Event);
+    PutTexts(Values...);
+    End();
+  }
+  /// The line of what has gone wrong, and where.
+  template <class Locator>
+  void PrintFailure(Locator* Place, zm::StringView Message) {
+    Begin("FatalError");
+    Number(Place->GetLineNr());
+    Number(Place->GetColNr());
+    Text(Message);
+    End();
+  }
 
   /// Begins a line whose first item is the name of an event.
   void Begin(std::string_view Event);
   void Text(zm::StringView Value);
+  template <class... Texts>
+  void PutTexts(Texts... Values) {
+    (Text(Values), ...);
+  }
   void Number(long long Value);
   /// An array within the line.
   void OpenArray();
   void CloseArray();
   void End();
-  /// Hands on what is buffered. False when the file has not taken all.
-  bool Flush();
 
  private:
   void Comma();
 
-  std::FILE* FFile;
-  std::string FBuffer;
+  TOutput& FOut;
+  std::string FLine;
   bool FFirst = true;
 };
 

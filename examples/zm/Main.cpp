@@ -1,48 +1,62 @@
+#include <algorithm>
 #include <cstdio>
-#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include "Commands.h"
-#include "zamrit/zamrit.h"
+#include "Arguments.h"
 
 namespace {
 
-constexpr const char* cUsage =
-    "usage: zm events|stats [--xml] [--encoding NAME] FILE   (FILE may be - for standard input)";
+using zmtool::TCommand;
 
-int RefuseUsage(const char* Why) {
-  std::fprintf(stderr, "zm: %s; %s\n", Why, cUsage);
+constexpr TCommand cCommands[] = {
+    {"events", "[--xml|--json|--form] [--encoding NAME] FILE", zmtool::PrintEvents},
+    {"stats", "[--xml|--json|--form] [--encoding NAME] FILE", zmtool::PrintStats},
+    {"format", "[--compact] [--bom] [--encoding NAME] FILE", zmtool::PrintFormatted},
+    {"select", "--json [--count] [-0] [--encoding NAME] FILE PATH", zmtool::PrintSelected},
+    {"convert", "--to xml|json [--encoding NAME] FILE", zmtool::PrintConverted}};
+
+std::string UsageOf(const TCommand& Command) {
+  return "zm " + std::string(Command.Name) + ' ' + std::string(Command.Arguments);
+}
+
+void PrintHelp(zmtool::TOutput& Out) {
+  for (const TCommand& command : cCommands) Out.Put(UsageOf(command) + '\n');
+  Out.Put(
+      "FILE may be - for standard input. Without a switch a text is XML if it begins with <, else JSON.\n"
+      "Exit code: 0, 1 nothing selected, 2 wrong usage, 3 input refused.\n");
+}
+
+// In one line, whatever the reason says.
+int RefuseUsage(std::string Why, const std::string& Usage) {
+  std::replace(Why.begin(), Why.end(), '\n', ' ');
+  Why.erase(std::remove(Why.begin(), Why.end(), '\r'), Why.end());
+  std::fprintf(stderr, "zm: %s; usage: %s\n", Why.c_str(), Usage.c_str());
   return zmtool::ecUsage;
 }
 
-int Run(const std::vector<std::string_view>& Args) {
-  if (Args.empty()) return RefuseUsage("no command");
-  if (Args[0] == "--help" || Args[0] == "help") return std::puts(cUsage) < 0 ? zmtool::ecRefused : zmtool::ecDone;
-  int (*const command)(const zmtool::TSource&) = Args[0] == "events"  ? zmtool::PrintXMLEvents
-                                                 : Args[0] == "stats" ? zmtool::PrintXMLStats
-                                                                      : nullptr;
-  if (!command) return RefuseUsage("unknown command");
-  zmtool::TSource source;
-  std::optional<std::string> file;
-  for (std::size_t i = 1; i < Args.size(); ++i) {
-    if (Args[i] == "--xml") continue;
-    if (Args[i] == "--encoding") {
-      if (++i == Args.size()) return RefuseUsage("--encoding needs a name");
-      try {
-        source.CodePage = zm::ZmCodePage(zm::FromUTF8(Args[i]));
-      } catch (const zm::EConvertError& e) {
-        return RefuseUsage(e.what());
-      }
-    } else if (file || (Args[i].size() > 1 && Args[i][0] == '-')) {
-      return RefuseUsage("an argument too many, or one that is not known");
-    } else {
-      file = Args[i];
+int Run(std::vector<std::string_view> Args) {
+  const std::string usage = "zm events|stats|format|select|convert [SWITCH...] FILE, or zm help";
+  if (Args.empty()) return RefuseUsage("no command", usage);
+  zmtool::TOutput out;
+  const auto* const command =
+      std::find_if(std::begin(cCommands), std::end(cCommands), [&](const TCommand& c) { return c.Name == Args[0]; });
+  int result = zmtool::ecDone;
+  if (command != std::end(cCommands)) {
+    Args.erase(Args.begin());
+    try {
+      result = command->Run(ParseArguments(*command, Args), out);
+    } catch (const zmtool::EUsage& e) {
+      return RefuseUsage(e.what(), UsageOf(*command));
     }
+  } else if (Args[0] == "help" || Args[0] == "--help") {
+    PrintHelp(out);
+  } else {
+    return RefuseUsage("unknown command", usage);
   }
-  if (!file) return RefuseUsage("no file");
-  source.File = *file;
-  return command(source);
+  out.Flush();
+  return result;
 }
 
 }  // namespace

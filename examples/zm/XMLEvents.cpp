@@ -1,78 +1,58 @@
-#include "Commands.h"
-#include "JSONLines.h"
-#include "XMLRun.h"
+#include "Events.h"
+#include "Readers.h"
 
 namespace zmtool {
 namespace {
 
 class TPrinter : public zm::TZmSAXDefaultHandler {
  public:
-  explicit TPrinter(TJSONLines& Out) : FOut(Out) {}
+  explicit TPrinter(TOutput& Out) : FLines(Out) {}
 
-  void StartDocument() override { Print("StartDocument"); }
-  void EndDocument() override { Print("EndDocument"); }
+  void StartDocument() override { FLines.Print("StartDocument"); }
+  void EndDocument() override { FLines.Print("EndDocument"); }
   void StartPrefixMapping(zm::StringView Prefix, zm::StringView URI) override {
-    Print("StartPrefixMapping", Prefix, URI);
+    FLines.Print("StartPrefixMapping", Prefix, URI);
   }
-  void EndPrefixMapping(zm::StringView Prefix) override { Print("EndPrefixMapping", Prefix); }
+  void EndPrefixMapping(zm::StringView Prefix) override { FLines.Print("EndPrefixMapping", Prefix); }
   void StartElement(zm::StringView URI, zm::StringView LocalName, zm::StringView QName,
                     zm::IZmSAXAttributes& Attributes) override {
-    FOut.Begin("StartElement");
-    PutTexts(URI, LocalName, QName);
-    FOut.OpenArray();
+    FLines.Begin("StartElement");
+    FLines.PutTexts(URI, LocalName, QName);
+    FLines.OpenArray();
     for (const auto* a = Attributes.FirstAttribute(); a; a = a->Next) {
-      FOut.OpenArray();
-      PutTexts(a->URI, a->LocalName, a->QName, a->Value);
-      FOut.CloseArray();
+      FLines.OpenArray();
+      FLines.PutTexts(a->URI, a->LocalName, a->QName, a->Value);
+      FLines.CloseArray();
     }
-    FOut.CloseArray();
-    FOut.End();
+    FLines.CloseArray();
+    FLines.End();
   }
   void EndElement(zm::StringView URI, zm::StringView LocalName, zm::StringView QName) override {
-    Print("EndElement", URI, LocalName, QName);
+    FLines.Print("EndElement", URI, LocalName, QName);
   }
-  void Characters(zm::StringView Text) override { Print("Characters", Text); }
-  void IgnorableWhitespace(zm::StringView Text) override { Print("IgnorableWhitespace", Text); }
+  void Characters(zm::StringView Text) override { FLines.Print("Characters", Text); }
+  void IgnorableWhitespace(zm::StringView Text) override { FLines.Print("IgnorableWhitespace", Text); }
   void ProcessingInstruction(zm::StringView Target, zm::StringView Data) override {
-    Print("ProcessingInstruction", Target, Data);
+    FLines.Print("ProcessingInstruction", Target, Data);
   }
-  void Comment(zm::StringView Text) override { Print("Comment", Text); }
-  void StartCDATA() override { Print("StartCDATA"); }
-  void EndCDATA() override { Print("EndCDATA"); }
-  void StartDTD() override { Print("StartDTD"); }
-  void EndDTD() override { Print("EndDTD"); }
+  void Comment(zm::StringView Text) override { FLines.Print("Comment", Text); }
+  void StartCDATA() override { FLines.Print("StartCDATA"); }
+  void EndCDATA() override { FLines.Print("EndCDATA"); }
+  void StartDTD() override { FLines.Print("StartDTD"); }
+  void EndDTD() override { FLines.Print("EndDTD"); }
   void FatalError(zm::IZmSAXLocator* Locator, zm::StringView Message) override {
-    FOut.Begin("FatalError");
-    FOut.Number(Locator->GetLineNr());
-    FOut.Number(Locator->GetColNr());
-    FOut.Text(Message);
-    FOut.End();
+    FLines.PrintFailure(Locator, Message);
   }
 
  private:
-  template <class... Texts>
-  void PutTexts(Texts... Values) {
-    (FOut.Text(Values), ...);
-  }
-  template <class... Texts>
-  void Print(std::string_view Event, Texts... Values) {
-    FOut.Begin(Event);
-    PutTexts(Values...);
-    FOut.End();
-  }
-
-  TJSONLines& FOut;
+  TJSONLines FLines;
 };
 
 }  // namespace
 
-int PrintXMLEvents(const TSource& Source) {
-  TJSONLines out(stdout);
-  TPrinter printer(out);
-  TInput input(Source.File);
-  ReadXML(input, Source.CodePage, printer);
-  if (!out.Flush()) throw zm::EWriteError(u"Stream write error");
-  return ecDone;
+void PrintXMLEvents(TInput& Input, std::uint16_t CodePage, TOutput& Out) {
+  TPrinter printer(Out);
+  ReadXML(Input, CodePage, printer);
 }
 
 }  // namespace zmtool

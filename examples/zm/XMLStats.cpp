@@ -1,10 +1,5 @@
-#include <sys/resource.h>
-
-#include <chrono>
-#include <cstdio>
-
-#include "Commands.h"
-#include "XMLRun.h"
+#include "Readers.h"
+#include "Stats.h"
 
 namespace zmtool {
 namespace {
@@ -33,35 +28,20 @@ struct TCounter : zm::TZmSAXDefaultHandler {
 
 }  // namespace
 
-int PrintXMLStats(const TSource& Source) {
-  using TClock = std::chrono::steady_clock;
+TCounts CountXML(TInput& Input, std::uint16_t CodePage) {
   TCounter counter;
-  TInput input(Source.File);
-  const auto begin = TClock::now();
-  ReadXML(input, Source.CodePage, counter);
-  const double seconds = std::chrono::duration<double>(TClock::now() - begin).count();
-
-  const struct {
-    const char* Name;
-    long long Count;
-  } rows[] = {{"elements", counter.Elements},
-              {"greatest depth", counter.Deepest},
-              {"attributes", counter.Attributes},
-              {"texts", counter.Texts},
-              {"units of text", counter.TextUnits},
-              {"blank texts", counter.Blanks},
-              {"CDATA sections", counter.Sections},
-              {"comments", counter.Comments},
-              {"instructions", counter.Instructions},
-              {"document types", counter.DocumentTypes},
-              {"namespace declarations", counter.Namespaces},
-              {"bytes", input.BytesRead()}};
-  for (const auto& row : rows) std::printf("%-24s%14lld\n", row.Name, row.Count);
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  std::printf("%-24s%14.1f\n", "MB/s", static_cast<double>(input.BytesRead()) / seconds / 1e6);
-  std::printf("%-24s%14.1f\n", "peak memory, MB", static_cast<double>(usage.ru_maxrss) / 1024);
-  return std::fflush(stdout) == 0 ? ecDone : ecRefused;
+  ReadXML(Input, CodePage, counter);
+  return {{"elements", counter.Elements},
+          {"greatest depth", counter.Deepest},
+          {"attributes", counter.Attributes},
+          {"texts", counter.Texts},
+          {"units of text", counter.TextUnits},
+          {"blank texts", counter.Blanks},
+          {"CDATA sections", counter.Sections},
+          {"comments", counter.Comments},
+          {"instructions", counter.Instructions},
+          {"document types", counter.DocumentTypes},
+          {"namespace declarations", counter.Namespaces}};
 }
 
 }  // namespace zmtool

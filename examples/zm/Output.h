@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "zamrit/platform/Streams.h"
+
+namespace zmtool {
+
+/// Standard output, buffered. Raises EWriteError where it takes no more.
+class TOutput : public zm::TStream {
+  ZM_OBJECT(TOutput, zm::TStream)
+ public:
+  TOutput();
+  ~TOutput() override;
+
+  std::size_t Write(const void* Buffer, std::size_t Count) override;
+  void Put(std::string_view Text) { Write(Text.data(), Text.size()); }
+  /// The text in UTF-8.
+  void Put(zm::StringView Text) { Put(zm::ToUTF8(Text)); }
+  void Flush();
+
+ private:
+  zm::THandleStream FTarget;
+  std::string FBuffer;
+};
+
+}  // namespace zmtool
