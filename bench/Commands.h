@@ -11,6 +11,12 @@ int RunXMLEvents(const TOptions& Options);
 /// stopped.
 int RunXMLEventsLimits(const TOptions& Options);
 
+/// Compares the readers of JSON events. Answers 0.
+int RunJSONEvents(const TOptions& Options);
+
+/// Compares the JSON models. Answers 0.
+int RunJSONModel(const TOptions& Options);
+
 /// Measures reading and writing of members by reflection beside direct access. Answers 0.
 int RunReflection(const TOptions& Options);
 

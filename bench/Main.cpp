@@ -22,6 +22,10 @@ constexpr TCommand cCommands[] = {
      "XML as events, beside libxml2, expat and Xerces-C", RunXMLEvents},
     {"xml-events-limits", "[--gigabytes G] [--markdown FILE] [--quick]",
      "memory of the XML reader over endless input, time over huge tokens, lists and depths", RunXMLEventsLimits},
+    {"json-events", "[--data DIR] [--seconds S] [--markdown FILE] [--quick]",
+     "JSON as events, beside RapidJSON and nlohmann", RunJSONEvents},
+    {"json", "[--data DIR] [--seconds S] [--markdown FILE] [--quick]",
+     "JSON as a document, beside RapidJSON, Boost.JSON, nlohmann and simdjson", RunJSONModel},
     {"reflection", "[--seconds S] [--markdown FILE] [--quick]", "members by reflection, beside direct access",
      RunReflection},
     {"values", "[--seconds S] [--markdown FILE] [--quick]",
@@ -34,7 +38,7 @@ int Help() {
     std::printf("%s %s\n    %s\n", command.Name.data(), command.Synopsis.data(), command.Summary.data());
   std::puts("help\n    this text\n");
   std::puts(
-      "--data DIR       folder of documents in UTF-8, read from DIR/xml/docs; default ../shared/data\n"
+      "--data DIR       folder of documents in UTF-8, read from DIR/xml/docs and DIR/json; default ../shared/data\n"
       "--seconds S      time for each reader and document, default 1\n"
       "--gigabytes G    the longest endless input, default 10\n"
       "--markdown FILE  writes the tables to FILE too\n"
