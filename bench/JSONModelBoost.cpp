@@ -6,21 +6,21 @@
 namespace zm::bench {
 namespace {
 
-class TBoostModel : public TJSONModel {
+class TBoostModel : public TTree {
  public:
   void Load(const std::string& UTF8) override {
     FRoot = std::make_unique<boost::json::value>(boost::json::parse(UTF8));
   }
-  TJSONCounts Walk() const override {
-    TJSONCounts counts;
+  TTreeCounts Walk() const override {
+    TTreeCounts counts;
     std::vector<const boost::json::value*> open{FRoot.get()};
     while (!open.empty()) {
       const boost::json::value& value = *open.back();
       open.pop_back();
-      ++counts.Values;
+      ++counts.Nodes;
       if (const auto* const object = value.if_object()) {
         for (const auto& member : *object) {
-          ++counts.Members;
+          ++counts.Names;
           counts.Touch(member.key().data(), member.key().size());
           open.push_back(&member.value());
         }
@@ -34,7 +34,7 @@ class TBoostModel : public TJSONModel {
     }
     return counts;
   }
-  std::size_t Save() const override { return boost::json::serialize(*FRoot).size(); }
+  std::size_t Save(bool) const override { return boost::json::serialize(*FRoot).size(); }
   void Free() override { FRoot.reset(); }
 
  private:
@@ -43,6 +43,6 @@ class TBoostModel : public TJSONModel {
 
 }  // namespace
 
-std::unique_ptr<TJSONModel> MakeBoostModel() { return std::make_unique<TBoostModel>(); }
+std::unique_ptr<TTree> MakeBoostModel() { return std::make_unique<TBoostModel>(); }
 
 }  // namespace zm::bench

@@ -6,19 +6,19 @@
 namespace zm::bench {
 namespace {
 
-class TNlohmannModel : public TJSONModel {
+class TNlohmannModel : public TTree {
  public:
   void Load(const std::string& UTF8) override { FRoot = nlohmann::json::parse(UTF8); }
-  TJSONCounts Walk() const override {
-    TJSONCounts counts;
+  TTreeCounts Walk() const override {
+    TTreeCounts counts;
     std::vector<const nlohmann::json*> open{&FRoot};
     while (!open.empty()) {
       const nlohmann::json& value = *open.back();
       open.pop_back();
-      ++counts.Values;
+      ++counts.Nodes;
       if (value.is_object()) {
         for (const auto& member : value.items()) {
-          ++counts.Members;
+          ++counts.Names;
           counts.Touch(member.key().data(), member.key().size());
           open.push_back(&member.value());
         }
@@ -33,7 +33,7 @@ class TNlohmannModel : public TJSONModel {
     }
     return counts;
   }
-  std::size_t Save() const override { return FRoot.dump().size(); }
+  std::size_t Save(bool Formatted) const override { return FRoot.dump(Formatted ? 2 : -1).size(); }
   void Free() override { FRoot = nullptr; }
 
  private:
@@ -42,6 +42,6 @@ class TNlohmannModel : public TJSONModel {
 
 }  // namespace
 
-std::unique_ptr<TJSONModel> MakeNlohmannModel() { return std::make_unique<TNlohmannModel>(); }
+std::unique_ptr<TTree> MakeNlohmannModel() { return std::make_unique<TNlohmannModel>(); }
 
 }  // namespace zm::bench

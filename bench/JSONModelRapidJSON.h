@@ -2,6 +2,7 @@
 #include <rapidjson/document.h>
 #include <rapidjson/encodings.h>
 #include <rapidjson/error/en.h>
+#include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
@@ -16,7 +17,7 @@ namespace {
 namespace rj = RAPIDJSON_NAMESPACE;
 
 template <class Encoding>
-class TRapidModel : public TJSONModel {
+class TRapidModel : public TTree {
   using TDocument = rj::GenericDocument<Encoding>;
   using TValue = rj::GenericValue<Encoding>;
 
@@ -27,16 +28,16 @@ class TRapidModel : public TJSONModel {
     FDocument->template ParseStream<rj::kParseIterativeFlag, rj::UTF8<>>(stream);
     if (FDocument->HasParseError()) throw std::runtime_error(rj::GetParseError_En(FDocument->GetParseError()));
   }
-  TJSONCounts Walk() const override {
-    TJSONCounts counts;
+  TTreeCounts Walk() const override {
+    TTreeCounts counts;
     std::vector<const TValue*> open{FDocument.get()};
     while (!open.empty()) {
       const TValue& value = *open.back();
       open.pop_back();
-      ++counts.Values;
+      ++counts.Nodes;
       if (value.IsObject()) {
         for (const auto& member : value.GetObject()) {
-          ++counts.Members;
+          ++counts.Names;
           counts.Touch(member.name.GetString(), member.name.GetStringLength());
           open.push_back(&member.value);
         }
@@ -50,15 +51,21 @@ class TRapidModel : public TJSONModel {
     }
     return counts;
   }
-  std::size_t Save() const override {
-    rj::StringBuffer buffer;
-    rj::Writer<rj::StringBuffer, Encoding, rj::UTF8<>> writer(buffer);
-    FDocument->Accept(writer);
-    return buffer.GetSize();
+  std::size_t Save(bool Formatted) const override {
+    return Formatted ? SaveBy<rj::PrettyWriter<rj::StringBuffer, Encoding, rj::UTF8<>>>()
+                     : SaveBy<rj::Writer<rj::StringBuffer, Encoding, rj::UTF8<>>>();
   }
   void Free() override { FDocument.reset(); }
 
  private:
+  template <class Writer>
+  std::size_t SaveBy() const {
+    rj::StringBuffer buffer;
+    Writer writer(buffer);
+    FDocument->Accept(writer);
+    return buffer.GetSize();
+  }
+
   std::unique_ptr<TDocument> FDocument;
 };
 

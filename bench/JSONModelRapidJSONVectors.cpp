@@ -10,9 +10,7 @@
 
 namespace zm::bench {
 
-std::unique_ptr<TJSONModel> MakeRapidJSONVectorModel() { return std::make_unique<TRapidModel<rj::UTF8<>>>(); }
-std::unique_ptr<TJSONModel> MakeRapidJSONWideVectorModel() {
-  return std::make_unique<TRapidModel<rj::UTF16<char16_t>>>();
-}
+std::unique_ptr<TTree> MakeRapidJSONVectorModel() { return std::make_unique<TRapidModel<rj::UTF8<>>>(); }
+std::unique_ptr<TTree> MakeRapidJSONWideVectorModel() { return std::make_unique<TRapidModel<rj::UTF16<char16_t>>>(); }
 
 }  // namespace zm::bench

@@ -8,23 +8,23 @@
 namespace zm::bench {
 namespace {
 
-class TSimdjsonModel : public TJSONModel {
+class TSimdjsonModel : public TTree {
  public:
   void Load(const std::string& UTF8) override {
     FParser.emplace();
     FRoot = FParser->parse(UTF8);
   }
-  TJSONCounts Walk() const override {
-    TJSONCounts counts;
+  TTreeCounts Walk() const override {
+    TTreeCounts counts;
     std::vector<simdjson::dom::element> open{FRoot};
     while (!open.empty()) {
       const simdjson::dom::element value = open.back();
       open.pop_back();
-      ++counts.Values;
+      ++counts.Nodes;
       switch (value.type()) {
         case simdjson::dom::element_type::OBJECT:
           for (const auto& member : simdjson::dom::object(value)) {
-            ++counts.Members;
+            ++counts.Names;
             counts.Touch(member.key.data(), member.key.size());
             open.push_back(member.value);
           }
@@ -43,7 +43,7 @@ class TSimdjsonModel : public TJSONModel {
     }
     return counts;
   }
-  std::size_t Save() const override { return simdjson::minify(FRoot).size(); }
+  std::size_t Save(bool) const override { return simdjson::minify(FRoot).size(); }
   void Free() override { FParser.reset(); }
 
  private:
@@ -53,6 +53,6 @@ class TSimdjsonModel : public TJSONModel {
 
 }  // namespace
 
-std::unique_ptr<TJSONModel> MakeSimdjsonModel() { return std::make_unique<TSimdjsonModel>(); }
+std::unique_ptr<TTree> MakeSimdjsonModel() { return std::make_unique<TSimdjsonModel>(); }
 
 }  // namespace zm::bench

@@ -9,7 +9,7 @@
 namespace zm::bench {
 namespace {
 
-class TZamritModel : public TJSONModel {
+class TZamritModel : public TTree {
  public:
   void Load(const std::string& UTF8) override {
     FDocument = Create<TZmJSONDocument>();
@@ -17,17 +17,17 @@ class TZamritModel : public TJSONModel {
     TZmStringStream stream(cZmBorrow, UTF8, cZmPageUTF8);
     FDocument->LoadFromStream(&stream, cZmPageUTF8, false);
   }
-  TJSONCounts Walk() const override {
-    TJSONCounts counts;
+  TTreeCounts Walk() const override {
+    TTreeCounts counts;
     std::vector<TZmJSONBase*> open{FDocument->GetRootValue()};
     while (!open.empty()) {
       TZmJSONBase* const value = open.back();
       open.pop_back();
-      ++counts.Values;
+      ++counts.Nodes;
       switch (value->GetJSONType()) {
         case jdtObject:
           for (TZmJSONMember* const member : *value->GetAsObject()) {
-            ++counts.Members;
+            ++counts.Names;
             const String name = member->GetName();
             counts.Touch(name.data(), name.size());
             open.push_back(member->GetValueObj());
@@ -44,9 +44,9 @@ class TZamritModel : public TJSONModel {
     }
     return counts;
   }
-  std::size_t Save() const override {
+  std::size_t Save(bool Formatted) const override {
     TMemoryStream stream;
-    FDocument->SaveToStream(&stream, false, cZmPageUTF8, false);
+    FDocument->SaveToStream(&stream, Formatted, cZmPageUTF8, false);
     return static_cast<std::size_t>(stream.GetSize());
   }
   void Free() override { FDocument.reset(); }
@@ -57,7 +57,7 @@ class TZamritModel : public TJSONModel {
 
 }  // namespace
 
-std::unique_ptr<TJSONModel> MakeZamritModel() { return std::make_unique<TZamritModel>(); }
+std::unique_ptr<TTree> MakeZamritModel() { return std::make_unique<TZamritModel>(); }
 
 double SelectWithZamrit(std::size_t Count, double Seconds, std::size_t& Hits) {
   std::string text = "[";
