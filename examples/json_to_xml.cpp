@@ -27,5 +27,6 @@ int main(int, char** Args) {
   TXMLPrinter printer;
   auto reader = zm::Create<zm::TZmSAXJSONReader>();
   reader->SetHandler(&printer);
-  reader->ParseFile(Args[1]);
+  auto file = zm::Create<zm::TFileStream>(zm::FromUTF8(Args[1]), zm::fmOpenRead);
+  reader->ParseStream(file.get(), zm::ZmGetCodePage(file.get()));  // a byte order mark decides, else the text itself
 }

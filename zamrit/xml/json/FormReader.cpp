@@ -10,7 +10,6 @@
 namespace zm {
 namespace {
 
-constexpr std::uint16_t cPageUTF8 = 65001;
 constexpr TZmCharSet cKeyEnds("=%[]"), cValueEnds("&%+\n\r");
 constexpr StringView cOpening = u"%5B", cClosing = u"%5D";
 
@@ -181,7 +180,7 @@ class TFormPost {
         bytes += ReadEscapedByte();
       }
     }
-    return TZmEncoding::ConvertA(bytes, cPageUTF8);
+    return TZmEncoding::ConvertA(bytes, cZmPageUTF8);
   }
   char ReadEscapedByte() {
     FParser.NextChar();

@@ -49,8 +49,8 @@ class IZmJSONErrorHandler : public virtual IZmInterface {
   virtual void FatalError(IZmJSONLocator* Locator, StringView Message) = 0;
 };
 
-/// What every reader of JSON events offers. Handlers stay set until changed, and are kept alive where they are counted.
-/// The entry points are told at TZmJSONReader.
+/// What every reader of JSON events offers. Handlers stay set until changed, and are kept alive where they are counted;
+/// others must live as long as they are set, at the longest as the reader. The entry points are told at TZmJSONReader.
 class IZmJSONReader : public virtual IZmInterface {
  public:
   virtual IZmJSONContentHandler* GetContentHandler() = 0;

@@ -20,8 +20,8 @@ using TZmJSONOnEndDocument = std::function<void()>;
 
 /// A component that turns the events of a JSON or form reader into functions to assign; what is not assigned does
 /// nothing. Texts are raw, as IZmJSONContentHandler tells them. It makes a reader for each parse and runs one at a
-/// time; a second one from inside an event raises EZmJSONException with code 18. A parse that fails tells OnFatalError
-/// and then raises what the reader raises.
+/// time; a second one from inside an event raises EZmJSONException with code 18. What OnFatalError is told of a parse
+/// that fails, and what is raised then, is told at the readers. An event must not be replaced while it runs.
 class TZmJSONParser : public TZmComponent, public IZmJSONErrorHandler, public IZmJSONContentHandler {
   ZM_OBJECT(TZmJSONParser, TZmComponent)
  public:
@@ -58,6 +58,11 @@ class TZmJSONParser : public TZmComponent, public IZmJSONErrorHandler, public IZ
   }
   void ParseBuffer(const void* Buffer, unsigned Size, std::uint16_t CodePage = 0, bool FormURLEncoded = false,
                    StringView PublicID = {});
+  /// A text would be taken for the flag.
+  template <class Unit>
+  void ParseStream(TStream* Stream, std::uint16_t CodePage, const Unit* PublicID) = delete;
+  template <class Unit>
+  void ParseBuffer(const void* Buffer, unsigned Size, std::uint16_t CodePage, const Unit* PublicID) = delete;
   void Parse(StringView Text, StringView PublicID = {});
   void Parse(std::string_view Text, std::uint16_t CodePage = 0, StringView PublicID = {});
   void Parse(const char* Text) { Parse(std::string_view(Text)); }

@@ -61,11 +61,7 @@ class THandlerSink {
 }  // namespace
 }  // namespace detail
 
-namespace {
-
-constexpr std::uint16_t cPageUTF16 = 1200;
-
-}  // namespace
+namespace {}  // namespace
 
 TZmJSONReader::TZmJSONReader()
     : FPublicID(IntToStr(static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(this)))),
@@ -140,6 +136,7 @@ void TZmJSONReader::ParseStream(TStream* Stream, std::uint16_t CodePage, StringV
 
 void TZmJSONReader::ParseFile(StringView FileName, std::uint16_t Mode, StringView PublicID) {
   CheckIdle();
+  FPublicID = ZmJSONString(PublicID);
   const auto stream = Create<TFileStream>(FileName, Mode);
   const std::uint16_t marked = ZmGetCodePage(stream.get());
   Run(stream.get(), marked, PublicID);
@@ -152,7 +149,7 @@ void TZmJSONReader::ParseBuffer(const void* Buffer, unsigned Size, std::uint16_t
 
 void TZmJSONReader::Parse(StringView Text, StringView PublicID) {
   const auto stream = Create<TZmStringStream>(cZmBorrow, Text);
-  Run(stream.get(), cPageUTF16, PublicID);
+  Run(stream.get(), cZmPageUTF16, PublicID);
 }
 
 void TZmJSONReader::Parse(std::string_view Text, std::uint16_t CodePage, StringView PublicID) {

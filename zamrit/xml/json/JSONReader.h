@@ -20,8 +20,8 @@ struct TJSONScratch;
 /// A reader runs one parse at a time and can be used again, also after a failure. Starting a second parse from inside
 /// one raises EZmJSONException with code 18; a reader that is freed from inside an event goes when the parse has ended,
 /// and a handler that is replaced from inside an event is released then. What a handler throws ends the parse and
-/// reaches the caller. On every failure, but not for a missing handler, FatalError of the error handler is told first,
-/// then the exception goes on.
+/// reaches the caller. FatalError of the error handler is first told of errors of the text and of what a handler
+/// throws, but not of a missing handler, an encoding that is refused or a file that cannot be opened.
 ///
 /// Time is linear in the input, whatever it holds; memory is that of the largest name or value, as stored and as
 /// UTF-16, a bit for each level of nesting, and under 1 MB of buffers. Nesting takes no stack.

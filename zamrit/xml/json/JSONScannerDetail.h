@@ -274,15 +274,16 @@ class TJSONScanner : private TWindowCursor<S> {
   ZM_INLINE void ParseNumber(const U*& P) {
     const U* begin = P;
     SkipTo(P, begin, TNoneOfNumber<Lanes>());
-    const std::ptrdiff_t size = P - begin;
-    if constexpr (!Sink::cToldBehind) TellNumber(P, {begin, P});
-    if (!EndsAtSpace(P)) {
-      if constexpr (Sink::cToldBehind)
-        SkipToAny<']', '}', ','>(P, begin);
-      else
-        SkipToNear<']', '}', ','>(P);
+    if constexpr (Sink::cToldBehind) {
+      if (P != End() && (*P == U(']') || *P == U('}') || *P == U(','))) return TellNumber(P, {begin, P});
+      // What is passed over must not be held with the number.
+      FNumber.assign(begin, P);
+      if (!EndsAtSpace(P)) SkipToNear<']', '}', ','>(P);
+      TellNumber(P, {FNumber.data(), FNumber.data() + FNumber.size()});
+    } else {
+      TellNumber(P, {begin, P});
+      if (!EndsAtSpace(P)) SkipToNear<']', '}', ','>(P);
     }
-    if constexpr (Sink::cToldBehind) TellNumber(P, {begin, begin + size});
   }
   // Whether a number at the top level is left at once, so that another value may follow.
   bool EndsAtSpace(const U* P) const {
@@ -372,6 +373,7 @@ class TJSONScanner : private TWindowCursor<S> {
   Sink& FOut;
   const bool FAllowSurroundingSpace;
   TBitStack FOpen;  // the objects and arrays that are open: 1 for an object
+  std::basic_string<U> FNumber;
 };
 
 /// Calls Body with the storage of a text as a constant: `Body(std::integral_constant<TStorage, ...>())`.

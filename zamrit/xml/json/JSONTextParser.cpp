@@ -1,13 +1,12 @@
 #include "zamrit/xml/json/JSONTextParser.h"
 
+#include "zamrit/common/Encoding.h"
 #include "zamrit/platform/CodePages.h"
 #include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/json/JSONErrors.h"
 
 namespace zm {
 namespace {
-
-constexpr std::uint16_t cPageUTF16 = 1200, cPageUTF8 = 65001;
 
 // The skips and tests of one storage, through its own raw operations.
 void SkipA(TZmTextParser& Parser, TZmTextParserSkipOp Op, const void* Char) {
@@ -57,11 +56,11 @@ void TZmJSONTextParser::DetectEncoding() {
       throw Exception(_SEncodingNotSupported);
     case 0b0101:
       SetCharacterSetType(cstWide);
-      SetContentCodePage(cPageUTF16);
+      SetContentCodePage(cZmPageUTF16);
       break;
     default:
       SetCharacterSetType(cstUTF8);
-      SetContentCodePage(cPageUTF8);
+      SetContentCodePage(cZmPageUTF8);
       break;
   }
   First();

@@ -28,6 +28,9 @@ class TZmJSONTextParserEx : public TZmJSONTextParser {
 /// own name. A simple value is an element with its raw text and its type: xsd:type "string", "decimal" or "boolean", or
 /// xsi:nil "true". Texts keep their escapes.
 ///
+/// ParseFile does not look for a byte order mark: files that may have one are given to ParseStream with the page that
+/// ZmGetCodePage answers.
+///
 /// Errors are those of the JSON readers, EZmJSONParseError and EZmJSONException; a missing handler is not told to the
 /// error handler. Time is linear; memory is that of the largest name or value and of the names of the open members.
 /// Nesting takes no stack.

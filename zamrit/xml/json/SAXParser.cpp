@@ -1,5 +1,8 @@
 #include "zamrit/xml/json/SAXParser.h"
 
+#include <algorithm>
+#include <array>
+
 #include "zamrit/common/Encoding.h"
 #include "zamrit/common/TextStreams.h"
 #include "zamrit/platform/ScopeDetail.h"
@@ -10,23 +13,29 @@
 namespace zm {
 namespace {
 
-constexpr std::uint16_t cPageUTF16 = 1200, cPageUTF16BE = 1201;
+constexpr std::uint16_t cPageUTF16BE = 1201;
 
-// Moves the stream to the first character above the blank, and tells whether it is "<".
+// Moves the stream to the first character above the blank, or where there is none to the last one, and tells whether it
+// is "<".
 bool BeginsWithMarkup(TStream& Stream, std::uint16_t CodePage) {
   const bool bigEndian = CodePage == cPageUTF16BE;
-  const std::size_t size = bigEndian || CodePage == cPageUTF16 ? 2 : 1;
-  std::size_t count;
-  unsigned value;
-  do {
-    unsigned char bytes[2] = {};
-    for (count = 0; count < size && Stream.Read(bytes + count, 1) == 1; ++count) {
+  const std::size_t size = bigEndian || CodePage == cZmPageUTF16 ? 2 : 1;
+  std::array<unsigned char, 4096> block;
+  for (bool passed = false;; passed = true) {
+    std::size_t count = 0;
+    while (const std::size_t more = Stream.Read(block.data() + count, block.size() - count)) count += more;
+    const auto back = [&](std::size_t Bytes) { Stream.Seek(-static_cast<std::int64_t>(Bytes), soCurrent); };
+    for (std::size_t at = 0; at + size <= count; at += size) {
+      const unsigned first = block[at], second = size == 2 ? block[at + 1] : 0u;
+      const unsigned value = bigEndian ? first << 8 | second : second << 8 | first;
+      if (value <= u' ') continue;
+      back(count - at);
+      return value == u'<';
     }
-    const unsigned first = bytes[0], second = bytes[1];
-    value = bigEndian ? first << 8 | second : second << 8 | first;
-  } while (count == size && value <= u' ');
-  if (count > 0) Stream.Seek(-static_cast<std::int64_t>(count), soCurrent);
-  return value == u'<';
+    if (count == block.size()) continue;
+    back(passed ? size : std::min(size, count));
+    return false;
+  }
 }
 
 }  // namespace
@@ -66,7 +75,7 @@ void TZmSAXParser::ParseBuffer(const void* Buffer, unsigned Size, std::uint16_t 
 
 void TZmSAXParser::Parse(StringView Text, StringView PublicID) {
   const auto stream = Create<TZmStringStream>(cZmBorrow, Text);
-  ParseStream(stream.get(), cPageUTF16, PublicID);
+  ParseStream(stream.get(), cZmPageUTF16, PublicID);
 }
 
 void TZmSAXParser::Parse(std::string_view Text, std::uint16_t CodePage, StringView PublicID) {

@@ -27,8 +27,9 @@ using TZmSAXOnError = std::function<void(TObject* Sender, IZmSAXLocator* Locator
 
 /// A component that turns the events of an XML or JSON text into functions to assign; what is not assigned does
 /// nothing. The first character above the blank decides: "<" is XML, all else JSON, as TZmSAXJSONReader tells it. It
-/// runs one parse at a time; a second one from inside an event raises EZmXMLException with code 14. A parse that fails
-/// tells OnFatalError and then raises what the reader raises.
+/// runs one parse at a time; a second one from inside an event raises EZmXMLException with code 14. What OnFatalError
+/// is told of a parse that fails, and what is raised then, is told at the readers. An event must not be replaced while
+/// it runs.
 class TZmSAXParser : public TZmComponent,
                      public IZmSAXErrorHandler,
                      public IZmSAXContentHandler,
@@ -62,7 +63,8 @@ class TZmSAXParser : public TZmComponent,
   TNotifyEvent OnFinished;
 
   /// \name Parsing
-  /// As the operations of TZmSAXReader. The stream must be able to go back by a character.
+  /// As the operations of TZmSAXReader. The stream must be able to go back. A byte order mark is text to all but
+  /// ParseFile, so that XML behind one is taken for JSON.
   ///@{
   void ParseStream(TStream* Stream, std::uint16_t CodePage = 0, StringView PublicID = {});
   void ParseFile(StringView FileName, std::uint16_t Mode = fmOpenRead, StringView PublicID = {});

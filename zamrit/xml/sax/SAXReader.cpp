@@ -1,5 +1,6 @@
 #include "zamrit/xml/sax/SAXReader.h"
 
+#include "zamrit/common/Encoding.h"
 #include "zamrit/common/CurrentMessageDetail.h"
 #include "zamrit/common/TextStreams.h"
 #include "zamrit/platform/ScopeDetail.h"
@@ -7,8 +8,6 @@
 
 namespace zm {
 namespace {
-
-constexpr std::uint16_t cPageUTF16 = 1200;
 
 }  // namespace
 
@@ -76,6 +75,7 @@ void TZmSAXReader::ParseStream(TStream* Stream, std::uint16_t CodePage, StringVi
 
 void TZmSAXReader::ParseFile(StringView FileName, std::uint16_t Mode, StringView PublicID) {
   CheckIdle();
+  FPublicID = PublicID;
   const auto stream = Create<TFileStream>(FileName, Mode);
   Run(stream.get(), true, 0, PublicID);
 }
@@ -87,7 +87,7 @@ void TZmSAXReader::ParseBuffer(const void* Buffer, unsigned Size, std::uint16_t 
 
 void TZmSAXReader::Parse(StringView Text, StringView PublicID) {
   const auto stream = Create<TZmStringStream>(cZmBorrow, Text);
-  Run(stream.get(), false, cPageUTF16, PublicID);
+  Run(stream.get(), false, cZmPageUTF16, PublicID);
 }
 
 void TZmSAXReader::Parse(std::string_view Text, std::uint16_t CodePage, StringView PublicID) {

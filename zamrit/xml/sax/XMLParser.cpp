@@ -9,8 +9,6 @@
 namespace zm {
 namespace {
 
-constexpr std::uint16_t cPageUTF8 = 65001;
-
 std::uint16_t PageOf(TStream* Stream, bool DetectCodePage, std::uint16_t CodePage) {
   const std::uint16_t marked = DetectCodePage ? ZmGetCodePage(Stream) : std::uint16_t{0};
   return marked ? marked : CodePage;
@@ -76,7 +74,7 @@ void TZmXMLParser::ReadEncoding() {
   }
   if (page == 0) {
     if (FCharacterSetType == cstAnsi) SetCharacterSetType(cstUTF8);
-    page = cPageUTF8;
+    page = cZmPageUTF8;
   }
   SetContentCodePage(page);
   First();
