@@ -13,6 +13,8 @@ class TSet {
 
  public:
   constexpr TSet() = default;
+  /// A single value stands for the set of it.
+  constexpr TSet(E Value) { Include(Value); }  // NOLINT(google-explicit-constructor)
   constexpr TSet(std::initializer_list<E> Values) {
     for (E value : Values) Include(value);
   }

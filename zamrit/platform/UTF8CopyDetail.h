@@ -24,14 +24,20 @@ ZM_INLINE std::size_t CopyASCII(const char* P, const char* End, const char* Read
 
 /// Whether [P, End) is well-formed UTF-8.
 inline bool IsWellFormedUTF8(const char* P, const char* End) {
+  const auto follows = [&P](int At) { return (P[At] & 0xC0) == 0x80; };
   while (P < End) {
-    if (!(*P & 0x80)) {
+    const auto lead = static_cast<unsigned char>(*P);
+    if (lead < 0x80) {
       ++P;
-      continue;
+    } else if (lead < 0xE0 && lead >= 0xC2 && End - P >= 2 && follows(1)) {
+      P += 2;
+    } else if (lead > 0xE0 && lead < 0xED && End - P >= 3 && follows(1) && follows(2)) {
+      P += 3;
+    } else {
+      const TCodePoint c = DecodeUTF8(P, End);
+      if (c.Code == cReplacement && (c.Length != 3 || *P != '\xEF')) return false;
+      P += c.Length;
     }
-    const TCodePoint c = DecodeUTF8(P, End);
-    if (c.Code == cReplacement && (c.Length != 3 || *P != '\xEF')) return false;
-    P += c.Length;
   }
   return true;
 }

@@ -100,6 +100,7 @@ TEST(JSONModel, IsEdited) {
   } cases[] = {
       {u"{\"a\":1}", [](auto& d) { RootOf(d).AddMember("b", Variant(2)); }, "{\"a\": 1, \"b\": 2}"},
       {u"{}", [](auto& d) { RootOf(d).AddMember(u"d", Variant(1.5)); }, "{\"d\": 1.5}"},
+      {u"{}", [](auto& d) { RootOf(d).AddMember(u"i", Variant(std::int64_t{1} << 40)); }, "{\"i\": 1099511627776}"},
       {u"{}", [](auto& d) { RootOf(d).AddMember(u"t", Variant(true)); }, "{\"t\": true}"},
       {u"{}", [](auto& d) { RootOf(d).AddMember(u"n", Null()); }, "{\"n\": null}"},
       {u"{}",
@@ -135,6 +136,15 @@ TEST(JSONModel, IsEdited) {
        },
        "[null, \"\", null, false, {}, []]"},
       {u"[[1]]", [](auto& d) { d.GetRootValue()->SetAsJSON(u"{\"x\":2}"); }, "[[1], {\"x\": 2}]"},
+      {u"{\"a\":1,\"b\":2}", [](auto& d) { RootOf(d).SetAsJSON(u"{\"x\":1}"); }, "{\"a\": 1, \"b\": {\"x\": 1}}"},
+      {u"{\"a\":[1]}",
+       [](auto& d) {
+         RootOf(d).RemoveMember(nullptr);
+         RootOf(d).RemoveMemberIntf({});
+         d.FindMember("a")->GetAsArray()->RemoveValue(nullptr);
+         d.FindMember("a")->GetAsArray()->RemoveValueIntf({});
+       },
+       "{\"a\": [1]}"},
       {u"{\"a\":{}}", [](auto& d) { d.FindMember("a")->GetValueObj()->FreeObject(); }, "{\"a\": null}"},
       {u"[1]", [](auto& d) { d.CreateRootValue(jdtObject); }, "{}"},
       {u"[1]", [](auto& d) { d.SetAsJSON(u""); }, ""},
@@ -200,7 +210,7 @@ TEST(JSONModel, RefusesWhatANodeDoesNotOffer) {
   for (const std::function<void()>& endless : std::vector<std::function<void()>>{
            [&] { object.DeleteValue(0); }, [&] { object.RemoveValue(&simple); }, [&] { simple.SetAsValue({}); }})
     EXPECT_EQ(Raised<EStackOverflow>(endless), "Stack overflow");
-  ExpectRefused([&] { root.GetMember("x", {jsoRaise}); }, {"There is no member with the name \"x\"!", 5});
+  ExpectRefused([&] { root.GetMember("x", jsoRaise); }, {"There is no member with the name \"x\"!", 5});
   EXPECT_EQ(root.GetMember("x", {}), nullptr);
   EXPECT_NE(root.GetMember("x", {jsoRaise, jsoCreate}), nullptr);
   ExpectRefused([&] { TZmJSONDocument().FindMember("x"); }, {"There is no root value!", 10});
@@ -268,13 +278,17 @@ TEST(JSONModel, HandlesOutliveDeletion) {
 namespace {
 
 int Alive = 0;
+struct TLiving {
+  TLiving() { ++Alive; }
+  ~TLiving() { --Alive; }
+};
 
 class TMarked : public TZmJSONSimpleType {
   ZM_OBJECT(TMarked, TZmJSONSimpleType)
  public:
-  explicit TMarked(TZmJSONBase* Owner) : TZmJSONSimpleType(Owner) { ++Alive; }
-  ~TMarked() override { --Alive; }
+  explicit TMarked(TZmJSONBase* Owner) : TZmJSONSimpleType(Owner) {}
   void SaveToStream(TStream* Stream, bool, int, bool) override { Stream->WriteBuffer(u"<>", 4); }
+  TLiving Living;
 };
 
 class TCounting : public TZmJSONArray {
@@ -291,6 +305,7 @@ class TCounting : public TZmJSONArray {
     TZmJSONArray::RemoveObject(Object);
   }
   int Added = 0, Removed = 0;
+  TLiving Living;
 };
 
 }  // namespace
@@ -320,6 +335,20 @@ TEST(JSONModel, OwnersHoldAndOverridesAreCalled) {
   EXPECT_EQ(counting->Added, 1);
   counting->DestroyObjects();
   EXPECT_EQ(counting->Removed, 1);
+}
+
+TEST(JSONModel, ListsShowWhatLivesBelowHandles) {
+  const auto document = Load(u"{\"orders\":[{\"id\":1},{\"id\":2}],\"x\":[3]}");
+  const TZmIntf<IZmJSONBase> kept = document->FindMember(u"orders")->GetValue();
+  const auto before = document->CreateNodeList("$.orders[*].id | $.x[*]");
+  document->SetAsJSON(u"[]");
+  const auto after = kept->SelectIntf(u"@[*].id");
+  EXPECT_EQ(after->GetAsJSON(), u"[1, 2]");
+  EXPECT_EQ(Text(*before), "[1, 2, null]");
+  EXPECT_EQ(before->Item(2), nullptr);
+  kept->SetAsJSON(u"");
+  EXPECT_EQ(after->GetAsJSON(), u"[null, null]");
+  EXPECT_EQ(before->Item(0), nullptr);
 }
 
 TEST(JSONModel, FreeStandingArraysOnlyShow) {
@@ -389,6 +418,51 @@ TEST(JSONModel, DepthAndNumberAreData) {
     root.AddMember("a", i);
     root.DeleteMember(0);
   }
+}
+
+TEST(JSONModel, DepthOfWhatApplicationsBuildIsData) {
+  const int depth = 100000;
+  {
+    TZmJSONDocument document;
+    TZmJSONBase* deepest = &document;
+    for (int i = 0; i < depth; ++i) {
+      Create<TCounting>(deepest);
+      deepest = i == 0 ? document.GetRootValue() : deepest->Item(0);
+    }
+    EXPECT_EQ(Raised<EStackOverflow>([&] { document.GetAsJSON(); }), "Stack overflow");
+    EXPECT_EQ(Text(*deepest), "[]");
+    auto holder = Create<TCounting>(nullptr);
+    for (int i = 0; i < depth; ++i) {
+      auto next = Create<TCounting>(nullptr);
+      next->InsertObject(holder.get());
+      holder = std::move(next);
+    }
+    EXPECT_EQ(Alive, 2 * depth + 1);
+    EXPECT_EQ(Raised<EStackOverflow>([&] { holder->GetAsJSON(); }), "Stack overflow");
+  }
+  EXPECT_EQ(Alive, 0);
+}
+
+TEST(JSONModel, GrowsAndShrinksInLinearTime) {
+  const int number = 200000;
+  const auto document = Load(u"[[]]");
+  TZmJSONArray& lines = *document->GetRootValue()->GetAsArray();
+  for (int i = 0; i < number; ++i) lines.SetAsJSON(i % 2 ? u"[1]" : u"{}");
+  EXPECT_EQ(lines.Item(number)->GetAsJSON(), u"[1]");
+  const auto shown = document->CreateNodeList("$[*]");
+  for (int i = 0; i < number; ++i) shown->AddValue(jdtNumber, "7")->Free();
+  for (int i = 0; i < number; ++i) shown->AddValue(jdtNumber, "7");
+  EXPECT_EQ(shown->Count(), 2 * number + 1);
+  EXPECT_EQ(shown->Item(2 * number)->GetAsInteger(), 7);
+  for (int i = 0; lines.Count() > 2; ++i) {  // a queue
+    lines.DeleteValue(0);
+    if (i % 4 == 0) lines.AddValue(jdtNull);
+  }
+  lines.Exchange(0, 1);
+  lines.AddValue(jdtBoolean);
+  EXPECT_EQ(Text(*document), "[null, null, false]");
+  for (int i = 0; i < number; ++i) shown->DeleteValue(shown->Count() - 1);
+  EXPECT_EQ(shown->Count(), number + 1);
 }
 
 TEST(JSONModel, FilesAreUTF8WithAMark) {

@@ -66,6 +66,9 @@ TEST(JSONPath, Selects) {
       {u"$.l[1::2147483647]", "[1]"},
       {u"$.l[4:0:-2147483648]", "[4]"},
       {u"$.l[9:]", "[]"},
+      {u"$.l[ 1 : 3 ]", "[0, 1, 2]"},
+      {u"$.l[1-2]", "'1-2' is not a valid integer value"},
+      {u"$.l[?(())]", "An expression without a value!"},
       {u"$..b", "[1, {\"b\": 5}, 5]"},
       {u"$.l..[0]", "[0]"},
       {u"$.a.b | $.l[0] | $.a.b", "[1, 0, 1]"},
@@ -80,6 +83,8 @@ TEST(JSONPath, Selects) {
       {u"$.l[?(@>2)]", "[3, 4]"},
       {u"$.l[?(@>2),3,?(@>3)]", "[3, 4, 3]"},
       {u"$.books[?(@.price<10)].t", "[\"one\"]"},
+      {u"$..*[?(@.price<10)].t", "[\"one\"]"},
+      {u"$..[?(@.price<10)]", "13: The specified path is not a valid JSON path."},
       {u"$.books[?(@.price>=12.50)].t", "[\"Two\"]"},
       {u"$.books[?(@.price=='cheap')].t", "[\"three\"]"},
       {u"$.books[?(@.t>'n')].t", "[\"one\", \"three\"]"},
@@ -109,7 +114,7 @@ TEST(JSONPath, Selects) {
   EXPECT_EQ(Found(u"$.A.b", {jsoCaseInsensitive}), "[1, 2]");
   EXPECT_EQ(Found(u"$.books[?(@.T=='TWO')].price", {jsoCaseInsensitive}), "[]");  // operands mind the case of names
   EXPECT_EQ(Found(u"$.books[?(@.t=='TWO')].price", {jsoCaseInsensitive}), "[12.5]");
-  EXPECT_EQ(Found(u"$.none", {jsoRaise}), "11: The specified path returned no nodes!");
+  EXPECT_EQ(Found(u"$.none", jsoRaise), "11: The specified path returned no nodes!");
 }
 
 TEST(JSONPath, StartsWhereItIsAsked) {
@@ -123,6 +128,18 @@ TEST(JSONPath, StartsWhereItIsAsked) {
   EXPECT_EQ(Raised<EZmJSONException>([&] { document->SelectSingleNode("$.none", true); }),
             "The specified path returned no nodes!");
   EXPECT_EQ(Found(*document->CreateNodeList("$.books[*]"), u"@[?(@.ok)].price"), "[8, 12.5]");
+  auto whole = document->CreateNodeList("$.l[*]");
+  const auto around = whole->CreateNodeList("@");
+  const auto inside = whole->CreateNodeList("@[0] | @");
+  whole.reset();
+  EXPECT_EQ(Found(*around, u"@[0][1]"), "[1]");
+  EXPECT_EQ(inside->Item(1), around->Item(0));
+  const auto other = TZmJSONDocument::CreateFromJSON(u"{\"e\":{},\"l\":{}}");
+  const auto both = Create<TZmJSONArray>();
+  for (TZmJSONDocument* const owner : {document.get(), other.get()})
+    both->InsertObject(owner->FindMember("e")->GetValueObj());
+  EXPECT_EQ(Found(*both, u"@[?($.l[0]==0)]"), "[{}]");
+  EXPECT_EQ(Found(*both, u"@[?(!$.l[0])]"), "[{}]");
   EXPECT_EQ(Found(*Create<TZmJSONArray>(), u"$"), "The node is not of the class that is asked for!");
   const auto list = document->SelectIntf("$.l[*]");
   const TZmIntf<IZmJSONBase> last = list->GetItem(4);
@@ -172,6 +189,8 @@ TEST(JSONPath, TextsThatNestOrRepeatHaveNoLimit) {
       {u"$[?(" + repeated(u")", many) + u")]", "17: The specified script"},
       {u"$[?(" + repeated(u"@[?(", 2000), "["},
   };
+  const auto deep = TZmJSONDocument::CreateFromJSON(repeated(u"[", many) + repeated(u"]", many));
+  EXPECT_EQ(deep->CreateNodeList(u"$..*[?($[0])]")->Count(), static_cast<int>(many) - 2);
   for (const auto& c : cases)
     EXPECT_EQ(Found(*document, c.Path).substr(0, std::string(c.Found).size()), c.Found) << ToUTF8(c.Path.substr(0, 20));
 }

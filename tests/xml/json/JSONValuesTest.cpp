@@ -140,8 +140,10 @@ TEST(JSONValuesTest, ReadsAndWritesValues) {
   EXPECT_EQ(EncodeDate(1970, 1, 2), ZmJSONToVal(u"/Date(86400000)/", u"TDate", true).AsType<TDate>());
   EXPECT_TRUE(ZmJSONToVal(u"1", u"Boolean", true).AsBoolean());
   EXPECT_EQ(Variant(u"1"), ZmJSONToVal(u"1", u"Variant", true).AsVariant());
-  for (const char16_t* type : {u"Integer", u"TDate", u"TSuit", u"TPlace"})
+  for (const char16_t* type : {u"Integer", u"TSuit", u"TPlace"})
     EXPECT_EQ(0u, Raised<Exception>([&] { ZmJSONToVal(u"x", type, true); }).find("Failed to convert")) << ToUTF8(type);
+  for (const char16_t* type : {u"TDate", u"TDateTime", u"string"})
+    EXPECT_THROW(ZmJSONToVal(u"\\u00g1", type, true), EConvertError) << ToUTF8(type);
   EXPECT_TRUE(ZmJSONToVal(u"x", u"no such type", false).IsEmpty());
   EXPECT_THROW(ZmJSONToVal(u"x", u"no such type", true), EZmUnknownType);
 

@@ -112,8 +112,9 @@ TEST(SAXParser, StartsCleanAfterAFailure) {
   TListener listener;
   const std::string nothing = "The document is not wellformed!\r\n\"\" expected, but \"\" found!";
   for (const auto& [blank, column] : {std::pair(u"", 1), std::pair(u"  ", 2)}) {
+    const StringView text = blank;
     listener.Text.clear();
-    EXPECT_EQ(Raised<EZmJSONParseError>([&] { listener.Parser->Parse(blank); }), nothing);
+    EXPECT_EQ(Raised<EZmJSONParseError>([&] { listener.Parser->Parse(text); }), nothing);
     EXPECT_EQ(listener.Text, "Start\nFatalError " + std::to_string(column) + ' ' + nothing + '\n');
   }
   EXPECT_THROW(listener.Parser->Parse(u"<1/>"), EZmXMLParseError);

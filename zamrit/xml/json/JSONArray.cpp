@@ -40,7 +40,9 @@ TZmJSONBase* TZmJSONArray::AddValue(const Variant& Value) {
 void TZmJSONArray::DeleteValue(int Index) {
   if (TZmJSONBase* const item = Item(Index)) item->FreeObject();
 }
-void TZmJSONArray::RemoveValue(TZmJSONBase* Value) { Value->FreeObject(); }
+void TZmJSONArray::RemoveValue(TZmJSONBase* Value) {
+  if (Value) Value->FreeObject();
+}
 
 void TZmJSONArray::Exchange(int Index1, int Index2) { TJSONNodes::Exchange(*this, Index1, Index2); }
 
@@ -50,7 +52,7 @@ TZmIntf<IZmJSONBase> TZmJSONArray::AddValueIntf2(TZmJSONDataType DataType, const
 }
 TZmIntf<IZmJSONBase> TZmJSONArray::AddValueIntf3(const Variant& Value) { return {AddValue(Value)}; }
 void TZmJSONArray::RemoveValueIntf(const TZmIntf<IZmJSONBase>& Value) {
-  RemoveValue(static_cast<TZmJSONBase*>(Value->Implementor()));
+  if (Value) RemoveValue(static_cast<TZmJSONBase*>(Value->Implementor()));
 }
 
 }  // namespace zm

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
-#include <vector>
 
 #include "zamrit/platform/Lists.h"
 #include "zamrit/xml/json/ModelInterfaces.h"
@@ -87,22 +86,32 @@ class TZmJSONBase : public TZmObject, public virtual IZmJSONBase {
   String GetAsJSON() override;
   /// Loads a text. An empty one clears the node.
   void SetAsJSON(StringView Text) override;
+  /// The name of a member; of an object, "<object>".
   String GetName() override;
+  /// The value of a member, or nil.
   virtual TZmJSONBase* GetValueObj();
   /// Not offered by any class.
   virtual void SetValue(TZmJSONBase* Value);
+  /// Renames a member, whatever names there are beside it.
   void SetName(const TZmAnyText& Name) override;
+  /// A simple value, or that of a member, as a type; false or 0 where it does not convert.
   bool GetAsBoolean() override;
   double GetAsDouble() override;
   std::int32_t GetAsInteger() override;
   std::int64_t GetAsLargeInt() override;
+  /// The text of a simple value, or of that of a member.
   String GetAsString() override;
+  /// The value as it is kept: what was loaded is a text, whatever its type.
   Variant GetAsVariant() override;
+  /// Not offered by any class.
   TValue GetAsValue() override;
+  /// An object itself, or that of a member, which gets one where it has no value.
   virtual TZmJSONObject* GetAsObject();
+  /// The same for an array.
   virtual TZmJSONArray* GetAsArray();
   TZmIntf<IZmJSONObject> GetAsObjectIntf() override;
   TZmIntf<IZmJSONArray> GetAsArrayIntf() override;
+  /// Sets a simple value and its type, or that of a member, which gets one where it has none.
   void SetAsBoolean(bool Value) override;
   void SetAsDouble(double Value) override;
   void SetAsInteger(std::int32_t Value) override;
@@ -110,27 +119,40 @@ class TZmJSONBase : public TZmObject, public virtual IZmJSONBase {
   void SetAsLargeInt(std::int64_t Value) override;
   void SetAsVariant(const Variant& Value) override;
   /// Reads a stream from where it stands, in a code page or as an HTTP form. An empty stream clears the node. A
-  /// document gets a new root; an array and an object that stands for itself get the values added. What came before an
-  /// error stays. Raises what the reader raises, EZmJSONException "oeps?" with code 0 for a value that has no place,
-  /// and EConvertError for an escape that is none.
+  /// document gets a new root, an array the values added; of an object, the value of the member that came last is
+  /// replaced, and of a member its value. What came before an error stays. Raises what the reader raises,
+  /// EZmJSONException "oeps?" with code 0 for a value that has no place, and EConvertError for an escape that is none.
   virtual void LoadFromStream(TStream* Stream, std::uint16_t CodePage, bool FormURLEncoded);
   /// Writes UTF-16 without a mark. Level is the depth that formatted text is indented by, two blanks each; Indent asks
   /// for them in front of the first character too.
   virtual void SaveToStream(TStream* Stream, bool Format, int Level, bool Indent);
+  /// How many elements or members there are.
   int Count() override;
+  /// Appends an element to an array, and returns it; gives a member without a value one.
   virtual TZmJSONBase* AddValue(TZmJSONDataType DataType);
+  /// A simple value that is written as the text stands, between quotation marks where it is a string.
   virtual TZmJSONBase* AddValue(TZmJSONDataType DataType, const TZmAnyText& Value);
+  /// A simple value. EInvalidCast for an array.
   virtual TZmJSONBase* AddValue(const Variant& Value);
+  /// Frees an element of an array, by itself and by its index. A member raises EStackOverflow for both.
   virtual void RemoveValue(TZmJSONBase* Value);
   virtual void DeleteValue(int Index);
+  /// Appends a member to an object, whatever names there are, and returns it.
   virtual TZmJSONMember* AddMember(const TZmAnyText& Name);
+  /// With a value: an object, an array, or a null that a setter makes something of.
   virtual TZmJSONMember* AddMember(const TZmAnyText& Name, TZmJSONDataType DataType);
+  /// With a simple value that is written as the text stands, between quotation marks where it is a string.
   virtual TZmJSONMember* AddMember(const TZmAnyText& Name, TZmJSONDataType DataType, const TZmAnyText& Value);
+  /// With the value of a Variant, which may be an array.
   virtual TZmJSONMember* AddMember(const TZmAnyText& Name, const Variant& Value);
+  /// Frees a member of an object, by its index and by itself.
   virtual void DeleteMember(int Index);
   virtual void RemoveMember(TZmJSONMember* Member);
+  /// The first member of a name, or nil. Linear, as all that looks for names.
   virtual TZmJSONMember* FindMember(const TZmAnyText& Name, bool IgnoreCase = false);
+  /// The same; where there is none, what the options say.
   virtual TZmJSONMember* GetMember(const TZmAnyText& Name, TZmJDOCSelectOptions Options);
+  /// The element or member at an index. EListError outside.
   virtual TZmJSONBase* Item(int Index);
   ///@}
 
@@ -146,6 +168,7 @@ class TZmJSONBase : public TZmObject, public virtual IZmJSONBase {
   TZmJSONDocument* GetDocument();
   /// The parent, nil for a document and for a node that stands for itself.
   TZmJSONBase* GetOwner();
+  /// Handles of what the operations without "Intf" in their names return; empty where those return nil.
   TZmIntf<IZmJSONBase> GetValue() override;
   TZmIntf<IZmJSONBase> GetItem(int Index) override;
   TZmIntf<IZmJSONMember> FindMemberIntf(const TZmAnyText& Name, bool IgnoreCase = false) override;
@@ -153,15 +176,19 @@ class TZmJSONBase : public TZmObject, public virtual IZmJSONBase {
   /// The member of a name, added if it is missing.
   TZmJSONMember* GetMemberEx1(const TZmAnyText& Name);
   TZmIntf<IZmJSONMember> GetMemberEx(const TZmAnyText& Name) override;
+  /// GetMember under another name.
   TZmJSONMember* Member(const TZmAnyText& Name, TZmJDOCSelectOptions Options) { return GetMember(Name, Options); }
   bool HasMember(const TZmAnyText& Name, bool IgnoreCase = false) override;
+  /// Not offered by any class; a simple value raises EStackOverflow.
   void SetAsValue(const TValue& Value) override;
   /// How a simple value is written, or the kind of the node: jdtObject, jdtArray; jdtNull for members and documents.
   TZmJSONDataType GetJSONType() override;
 
   /// \name Paths
-  /// "$" starts at the root, "@" at this node; docs/json-model.md tells the language. EZmJSONException 13 to 17 for a
-  /// path that is none; with jsoRaise code 11 where it leads to nothing.
+  /// "$" starts at the root, "@" at this node; docs/json.md tells the language. A path that is none raises
+  /// EZmJSONException, code 13 to 17, EConvertError for an index that is no number, such as `[1-2]`, and
+  /// EAssertionFailed for a filter with a term missing; a filter that compares an object or array, code 9. With
+  /// jsoRaise, code 11 where the path leads to nothing.
   ///@{
   /// The first node found, or nil.
   TZmJSONBase* SelectSingleNode(const TZmAnyText& Path, TZmJDOCSelectOptions Options = {});

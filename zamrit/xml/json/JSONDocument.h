@@ -11,12 +11,21 @@ namespace zm {
 class TZmJSONDocument : public TZmJSONBase, public virtual IZmJSONDocument {
   ZM_OBJECT(TZmJSONDocument, TZmJSONBase)
  public:
+  /// Without a root.
   TZmJSONDocument();
+  /// \name Documents that are loaded at once
+  /// They raise what loading raises. The caller owns what they return.
+  ///@{
+  /// As LoadFromFile.
   static TZmOwner<TZmJSONDocument> CreateFromFile(StringView FileName, std::uint16_t Mode = fmOpenRead);
+  /// Without a root where the text is empty.
   static TZmOwner<TZmJSONDocument> CreateFromJSON(StringView Text);
+  /// The same from 8-bit text in a code page.
   static TZmOwner<TZmJSONDocument> CreateFromJSON(std::string_view Text, std::uint16_t CodePage);
+  /// As LoadFromStream.
   static TZmOwner<TZmJSONDocument> CreateFromStream(TStream* Stream, std::uint16_t CodePage,
                                                     bool FormURLEncoded = false);
+  ///@}
 
   /// Whether white space may stand before and after the root. Off at first: then a line break at the end of a text is
   /// refused.
@@ -29,7 +38,8 @@ class TZmJSONDocument : public TZmJSONBase, public virtual IZmJSONDocument {
   TZmJSONBase* GetRootValue();
   /// \name Of the root
   /// EZmJSONParseError "There is no root value!", code 10, where there is none. They are templates so as not to
-  /// override: through a TZmJSONBase a document refuses them.
+  /// override: through a TZmJSONBase a document refuses them, and with them HasMember, GetMemberEx and GetMemberEx1.
+  /// FindMemberIntf and GetMemberIntf go to the root from everywhere.
   ///@{
   template <class Text>
   TZmJSONMember* FindMember(const Text& Name, bool IgnoreCase = false) {

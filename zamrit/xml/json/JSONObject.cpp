@@ -53,7 +53,7 @@ TZmJSONMember* TZmJSONObject::AddMember(const TZmAnyText& Name, TZmJSONDataType 
 TZmJSONMember* TZmJSONObject::AddMember(const TZmAnyText& Name, const Variant& Value) {
   switch (TZmTypes::VarMainTypeKind(Value)) {
     case mtkInteger:
-      return AddMember(Name, jdtNumber, ZmIntToXML(VarToInteger(Value)));
+      return AddMember(Name, jdtNumber, ZmInt64ToXML(VarToInt64(Value)));
     case mtkFloat:
       return AddMember(Name, jdtNumber, ZmDoubleToXML(VarToReal(Value)));
     case mtkString:
@@ -98,10 +98,13 @@ TZmJSONMember* TZmJSONObject::GetMember(const TZmAnyText& Name, TZmJDOCSelectOpt
 }
 
 void TZmJSONObject::DeleteMember(int Index) { Item(Index)->FreeObject(); }
-void TZmJSONObject::RemoveMember(TZmJSONMember* Member) { Member->FreeObject(); }
+void TZmJSONObject::RemoveMember(TZmJSONMember* Member) {
+  if (Member) Member->FreeObject();
+}
 
 TZmJSONMember* TZmJSONObject::GetLastMember() {
-  if (!FLastMember || FLastMember->Owner != TJSONNodes::Node(*this)) return nullptr;
+  if (!FLastMember) return Count() > 0 ? static_cast<TZmJSONMember*>(TJSONNodes::ItemOf(*this, Count() - 1)) : nullptr;
+  if (FLastMember->Owner != TJSONNodes::Node(*this)) return nullptr;
   return TJSONNodes::MemberOf(TJSONNodes::Tree(*this), FLastMember);
 }
 
@@ -129,7 +132,7 @@ TZmIntf<IZmJSONMember> TZmJSONObject::AddMemberIntf4(const TZmAnyText& Name, con
   return {AddMember(Name, Value)};
 }
 void TZmJSONObject::RemoveMemberIntf(const TZmIntf<IZmJSONMember>& Member) {
-  RemoveMember(static_cast<TZmJSONMember*>(Member->Implementor()));
+  if (Member) RemoveMember(static_cast<TZmJSONMember*>(Member->Implementor()));
 }
 
 }  // namespace zm

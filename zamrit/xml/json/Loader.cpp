@@ -151,7 +151,6 @@ class TTreeSink {
     Bind();
     const TJSONList& list = TJSONNodes::ListOf(Target);
     FLast = list.Count() > 0 ? list[list.Count() - 1] : nullptr;
-    TJSONNodes::DropList(Target);
   }
 
   void StartDocument() {}

@@ -62,13 +62,14 @@ class IZmJSONBase : public virtual IZmInterface {
   virtual TZmIntf<IZmJSONMember> GetMemberIntf(const TZmAnyText& Name, TZmJDOCSelectOptions Options) = 0;
 };
 
-/// A string, number, boolean or null. Adds the accessors GetAsVariant and SetAsVariant once more.
+/// A handle's way to a string, number, boolean or null, whose value the two accessors are.
 class IZmJSONSimpleType : public virtual IZmJSONBase {
  public:
-  Variant GetVariantValue() { return GetAsVariant(); }
-  void SetVariantValue(const Variant& Value) { SetAsVariant(Value); }
+  Variant GetAsVariant() override = 0;
+  void SetAsVariant(const Variant& Value) override = 0;
 };
 
+/// A handle's way to an object: the operations of TZmJSONObject.
 class IZmJSONObject : public virtual IZmJSONBase {
  public:
   virtual TZmIntf<IZmJSONMember> AddMemberIntf1(const TZmAnyText& Name) = 0;
@@ -80,6 +81,7 @@ class IZmJSONObject : public virtual IZmJSONBase {
   virtual void RemoveMemberIntf(const TZmIntf<IZmJSONMember>& Member) = 0;
 };
 
+/// A handle's way to an array: the operations of TZmJSONArray.
 class IZmJSONArray : public virtual IZmJSONBase {
  public:
   virtual TZmIntf<IZmJSONBase> AddValueIntf1(TZmJSONDataType DataType) = 0;
@@ -90,6 +92,7 @@ class IZmJSONArray : public virtual IZmJSONBase {
   virtual void Exchange(int Index1, int Index2) = 0;
 };
 
+/// A handle's way to a member: its name, and the accessors of its value. It is no IZmJSONBase.
 class IZmJSONMember : public virtual IZmInterface {
  public:
   virtual TObject* Implementor() = 0;
@@ -113,6 +116,7 @@ class IZmJSONMember : public virtual IZmInterface {
   virtual TZmIntf<IZmJSONBase> CreateValueIntf(TZmJSONDataType DataType) = 0;
 };
 
+/// A handle's way to a document, which keeps it alive with all that is in it. It is no IZmJSONBase.
 class IZmJSONDocument : public virtual IZmInterface {
  public:
   virtual TObject* Implementor() = 0;

@@ -70,13 +70,17 @@ TZmJSONBase* TJSONNodes::NewValue(TZmJSONBase* Owner, TZmJSONDataType DataType) 
   }
 }
 
-TJSONList& TJSONNodes::ListOf(TZmJSONBase& Object) {
-  if (Object.FList) return *Object.FList;
+void TJSONNodes::FillList(TZmJSONBase& Object) {
+  if (Object.FList) {
+    TJSONList& list = *Object.FList;
+    TJSONNode* child = list.Count() > 0 ? list[list.Count() - 1]->Next : Object.FNode->FirstChild();
+    for (; child; child = child->Next) list.Add(child);
+    return;
+  }
   std::vector<TJSONNode*> items;
   items.reserve(Object.FNode->Size);
   for (TJSONNode* child = Object.FNode->FirstChild(); child; child = child->Next) items.push_back(child);
   Object.FList = std::make_unique<TJSONList>(std::move(items));
-  return *Object.FList;
 }
 
 void TJSONList::AddHeld(TZmJSONBase* Object) {
@@ -86,31 +90,47 @@ void TJSONList::AddHeld(TZmJSONBase* Object) {
 }
 
 void TJSONList::Delete(std::size_t Index) {
-  const auto at = static_cast<std::ptrdiff_t>(Index);
-  FItems.erase(FItems.begin() + at);
-  if (Index < FHeld.size()) FHeld.erase(FHeld.begin() + at);
+  const bool fromFront = Index < Count() / 2;
+  const std::size_t unused = fromFront && FFirst >= Count() ? FFirst + 1 : 0;
+  const auto first = static_cast<std::ptrdiff_t>(FFirst), at = first + static_cast<std::ptrdiff_t>(Index);
+  const auto erase = [&](auto& Items) {
+    if (!fromFront) {
+      Items.erase(Items.begin() + at);
+      return;
+    }
+    std::move_backward(Items.begin() + first, Items.begin() + at, Items.begin() + at + 1);
+    Items.erase(Items.begin(), Items.begin() + static_cast<std::ptrdiff_t>(unused));
+  };
+  if (!FHeld.empty()) {
+    FHeld.resize(FItems.size());
+    erase(FHeld);
+  }
+  erase(FItems);
+  FFirst += fromFront;
+  FFirst -= unused;
 }
 
 void TJSONList::Swap(std::size_t Index1, std::size_t Index2) {
-  std::swap(FItems[Index1], FItems[Index2]);
+  std::swap(FItems[FFirst + Index1], FItems[FFirst + Index2]);
   if (FHeld.empty()) return;
   FHeld.resize(FItems.size());
-  std::swap(FHeld[Index1], FHeld[Index2]);
+  std::swap(FHeld[FFirst + Index1], FHeld[FFirst + Index2]);
 }
 
 namespace {
 
-// The last index of what is there, or Count.
+// The last index, counted from First on, of what is there, or Count.
 template <class T>
-std::size_t LastIndexOf(const std::vector<T*>& Items, const T* Item, std::size_t Count) {
-  const auto found = std::find(Items.rbegin(), Items.rend(), Item);
-  return found == Items.rend() ? Count : static_cast<std::size_t>(Items.rend() - found) - 1;
+std::size_t LastIndexOf(const std::vector<T*>& Items, std::size_t First, const T* Item, std::size_t Count) {
+  for (std::size_t i = Items.size(); i-- > First;)
+    if (Items[i] == Item) return i - First;
+  return Count;
 }
 
 }  // namespace
 
-std::size_t TJSONList::Find(const TJSONNode* Node) const { return LastIndexOf(FItems, Node, Count()); }
-std::size_t TJSONList::FindHeld(const TZmJSONBase* Object) const { return LastIndexOf(FHeld, Object, Count()); }
+std::size_t TJSONList::Find(const TJSONNode* Node) const { return LastIndexOf(FItems, FFirst, Node, Count()); }
+std::size_t TJSONList::FindHeld(const TZmJSONBase* Object) const { return LastIndexOf(FHeld, FFirst, Object, Count()); }
 
 namespace {
 
@@ -210,13 +230,12 @@ void TJSONNodes::Link(TZmJSONBase& Owner, TJSONNode* Node) {
   TJSONList& list = ListOf(Owner);
   list.Add(Node);
   TJSONNode* const owner = Owner.FNode;
-  TJSONNode* last = nullptr;
-  if (owner->Has(jfList)) {
-    for (last = owner->FirstChild(); last && last->Next;) last = last->Next;
-  } else if (list.Count() > 1) {
-    last = list[list.Count() - 2];
+  if (owner->Has(jfList)) {  // whose chain need not be in order
+    Node->Next = owner->FirstChild();
+    owner->FirstChild() = Node;
+  } else {
+    (list.Count() > 1 ? list[list.Count() - 2]->Next : owner->FirstChild()) = Node;
   }
-  (last ? last->Next : owner->FirstChild()) = Node;
   Node->Flags |= jfLinked;
   ++owner->Size;
 }
@@ -224,7 +243,7 @@ void TJSONNodes::Link(TZmJSONBase& Owner, TJSONNode* Node) {
 void TJSONNodes::Unlink(TZmJSONBase& Owner, TJSONNode* Node) {
   TJSONNode* const owner = Owner.FNode;
   TJSONList& list = ListOf(Owner);
-  const std::size_t found = list.Find(Node);
+  const std::size_t found = list.Count() > 0 && list[0] == Node ? 0 : list.Find(Node);
   TJSONNode* before = nullptr;
   if (owner->Has(jfList)) {
     for (TJSONNode* child = owner->FirstChild(); child != Node; child = child->Next) before = child;
@@ -371,15 +390,29 @@ void TJSONNodes::End(TZmJSONBase& Object) {
 }
 
 void TJSONNodes::FreeListed(TZmJSONBase& Object) {
-  const std::unique_ptr<TJSONList> list = std::move(Object.FList);
+  std::unique_ptr<TJSONList> list = std::move(Object.FList);
   Object.FNode->Flags &= ~std::uint32_t{jfList};
-  const bool keeps = Object.FNode->Has(jfKeepsChildren);
-  for (std::size_t i = list->Count(); i-- > 0;) {
-    TZmJSONBase* const object = list->HeldAt(i);
-    if (!object) continue;
-    if (!keeps) object->FreeObject();
-    object->_Release();
+  if (!Object.FNode->Has(jfKeepsChildren)) {
+    for (std::size_t i = list->Count(); i-- > 0;)
+      if (TZmJSONBase* const object = list->HeldAt(i)) object->FreeObject();
   }
+  LetGoOf(std::move(list));
+}
+
+// Containers may hold each other without end: those that end meanwhile wait for their turn.
+void TJSONNodes::LetGoOf(std::unique_ptr<TJSONList> List) {
+  thread_local TJSONList* running = nullptr;
+  if (running) {
+    List->LetGoNext = std::move(running->LetGoNext);
+    running->LetGoNext = std::move(List);
+    return;
+  }
+  for (; List; List = std::move(List->LetGoNext)) {
+    running = List.get();
+    for (std::size_t i = List->Count(); i-- > 0;)
+      if (TZmJSONBase* const object = List->HeldAt(i)) object->_Release();
+  }
+  running = nullptr;
 }
 
 void TJSONNodes::Renew(TZmJSONBase& Document) {
@@ -403,7 +436,7 @@ void TJSONNodes::FreeChildren(TZmJSONBase& Object) {
   Object.FList.reset();
   TJSONTree& tree = *Object.FTree;
   if (Object.FNode->Has(jfKeepsChildren)) return LeaveChildren(Object.FNode);
-  if (Object.FNode->Class() != jcDocument || tree.Freeing) {
+  if (Object.FNode->Class() != jcDocument || tree.Freeing || tree.HasViews()) {  // a view asks the records themselves
     PushChildren(tree, Object.FNode);
     return Drain(tree);
   }
@@ -413,7 +446,6 @@ void TJSONNodes::FreeChildren(TZmJSONBase& Object) {
   PushChildren(tree, Object.FNode);
   Drain(tree);
   tree.Leaving = false;
-  tree.Left = true;
   tree.Release();
 }
 

@@ -18,6 +18,7 @@ namespace zm::detail {
 class TJSONList {
  public:
   TJSONTree* Shown = nullptr;  ///< the tree of items that a selection has put here without making objects of them
+  std::unique_ptr<TJSONList> LetGoNext;  ///< while its owner ends: the one to be let go of next
 
   TJSONList() = default;
   explicit TJSONList(std::vector<TJSONNode*>&& Items) : FItems(std::move(Items)) {}
@@ -27,20 +28,21 @@ class TJSONList {
     if (Shown) Shown->RemoveView();
   }
 
-  std::size_t Count() const { return FItems.size(); }
+  std::size_t Count() const { return FItems.size() - FFirst; }
   TJSONNode* operator[](std::size_t Index) const;
   /// The object where the item is a node of another owner that has been inserted, else nil.
-  TZmJSONBase* HeldAt(std::size_t Index) const { return FItems[Index] ? nullptr : FHeld[Index]; }
+  TZmJSONBase* HeldAt(std::size_t Index) const { return FItems[FFirst + Index] ? nullptr : FHeld[FFirst + Index]; }
 
   void Add(TJSONNode* Node) { FItems.push_back(Node); }
   /// Whether what a selection has put there has been freed since.
   bool IsGone(std::size_t Index) const {
-    const TJSONNode* const node = FItems[Index];
-    return Shown && node && !node->Object() && (node->Has(jfFree) || Shown->Left);
+    const TJSONNode* const node = FItems[FFirst + Index];
+    return node && node->Has(jfFree);
   }
 
   /// Takes over a reference.
   void AddHeld(TZmJSONBase* Object);
+  /// Costs what there is up to the nearer end.
   void Delete(std::size_t Index);
   void Swap(std::size_t Index1, std::size_t Index2);
   /// The last index of an item, or Count.
@@ -49,7 +51,8 @@ class TJSONList {
 
  private:
   std::vector<TJSONNode*> FItems;   // nil for one that is held
-  std::vector<TZmJSONBase*> FHeld;  // as long as FItems as soon as one is
+  std::vector<TZmJSONBase*> FHeld;  // by the same index, no longer than FItems
+  std::size_t FFirst = 0;           // what stands before it has been deleted
 };
 
 /// Between the records of a tree and their objects.
@@ -78,18 +81,18 @@ class TJSONNodes {
   /// A new value under Owner.
   static TZmJSONBase* NewValue(TZmJSONBase* Owner, TZmJSONDataType DataType);
 
-  /// The children of a container's object by index.
-  static TJSONList& ListOf(TZmJSONBase& Object);
+  /// The children of a container's object by index. What has been loaded behind those that are there is added.
+  static TJSONList& ListOf(TZmJSONBase& Object) {
+    if (!Object.FList || (!Object.FNode->Has(jfList) && Object.FList->Count() != Object.FNode->Size)) [[unlikely]]
+      FillList(Object);
+    return *Object.FList;
+  }
   static std::size_t CountOf(TZmJSONBase& Object) {
     return Object.FNode->Has(jfList) ? Object.FList->Count() : Object.FNode->Size;
   }
   /// The object of a child. EListError for an index outside.
   static TZmJSONBase* ItemOf(TZmJSONBase& Object, int Index);
   static void Exchange(TZmJSONBase& Object, int Index1, int Index2);
-  /// The children are about to change otherwise than through the object.
-  static void DropList(TZmJSONBase& Object) {
-    if (!Object.FNode->Has(jfList)) Object.FList.reset();
-  }
   /// Makes an array show nodes of a tree.
   static void Show(TZmJSONArray& List, TJSONTree& Tree, std::vector<TJSONNode*>&& Nodes);
   /// Appends a node of another owner to the children, and holds it.
@@ -115,6 +118,7 @@ class TJSONNodes {
   static void Renew(TZmJSONBase& Document);
 
  private:
+  static void FillList(TZmJSONBase& Object);
   static void Link(TZmJSONBase& Owner, TJSONNode* Node);
   static void Unlink(TZmJSONBase& Owner, TJSONNode* Node);
   static void Drain(TJSONTree& Tree);
@@ -122,10 +126,12 @@ class TJSONNodes {
   static void PushChildren(TJSONTree& Tree, TJSONNode* Node);
   static void LeaveChildren(TJSONNode* Node);
   static void FreeListed(TZmJSONBase& Object);
+  static void LetGoOf(std::unique_ptr<TJSONList> List);
 };
 
 inline TJSONNode* TJSONList::operator[](std::size_t Index) const {
-  return FItems[Index] ? FItems[Index] : TJSONNodes::Node(*FHeld[Index]);
+  TJSONNode* const node = FItems[FFirst + Index];
+  return node ? node : TJSONNodes::Node(*FHeld[FFirst + Index]);
 }
 
 /// Raises EInvalidCast.

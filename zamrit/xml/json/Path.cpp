@@ -12,13 +12,6 @@ namespace zm::detail {
 
 namespace {
 
-/// The character of a text, both halves of a pair; empty at the end.
-StringView CharAt(StringView Text, std::size_t At) {
-  if (At >= Text.size()) return {};
-  const bool pair = IsHighSurrogate(Text[At]) && At + 1 < Text.size() && IsLowSurrogate(Text[At + 1]);
-  return Text.substr(At, pair ? 2 : 1);
-}
-
 bool HasChildren(const TJSONNode* Node) { return Node->Class() == jcObject || Node->Class() == jcArray; }
 
 bool IsIndex(StringView Text) {
@@ -92,13 +85,16 @@ ZM_INLINE TJSONNode* TJSONPath::NextChild(TChildCursor& Children) {
   while (Children.Index < object.Count()) {
     TZmJSONBase* const child = object.Item(Children.Index++);
     if (!child) continue;
-    Note(*child);
+    Note(*child, Children.Node);
     if (TJSONNodes::Node(*child)->Class() != jcNone) return TJSONNodes::Node(*child);
   }
   return nullptr;
 }
 
-void TJSONPath::Note(TZmJSONBase& Object) { FLeavesTree |= &TJSONNodes::Tree(Object) != FTree; }
+void TJSONPath::Note(TZmJSONBase& Object, TJSONNode* Container) {
+  FLeavesTree |= &TJSONNodes::Tree(Object) != FTree;
+  FLeavesOwner |= TJSONNodes::Node(Object)->Owner != Container;
+}
 
 TJSONTree& TJSONPath::TreeOf(TJSONNode* Node) { return FLeavesTree ? TJSONNodes::TreeOf(Node) : *FTree; }
 
@@ -145,8 +141,11 @@ TJSONPath::TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth) :
 
 TJSONPath::~TJSONPath() = default;
 
-void TJSONPath::Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, std::vector<TJSONNode*>& Found) {
+void TJSONPath::Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRoot* Root,
+                       std::vector<TJSONNode*>& Found) {
+  TJSONRoot own;
   FTree = &Tree;
+  FRoot = Root ? Root : &own;
   const auto rootOf = [](TJSONNode* Document) -> TJSONNode* {
     if (Document->Class() != jcDocument || !Document->Object()) RaiseNotOfClass();
     TZmJSONBase* const root = static_cast<TZmJSONDocument*>(Document->Object())->GetRootValue();
@@ -158,8 +157,11 @@ void TJSONPath::Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, std::ve
     TJSONNode* start = Start;
     const bool underDocument = !Start->Has(jfMember) && Start->Owner && Start->Owner->Class() == jcDocument;
     if (first == u'$' && !underDocument) {
-      while (start->Owner) start = start->Owner;
-      start = rootOf(start);
+      if (!FRoot->IsKnown) {
+        while (start->Owner) start = start->Owner;
+        *FRoot = {true, rootOf(start)};
+      }
+      start = FRoot->Node;
     } else if (Start->Class() == jcDocument) {
       start = rootOf(start);
     } else if (AsMember && start->Class() == jcNone) {
@@ -230,7 +232,7 @@ void TJSONPath::UseFilter(TPathItem& Item, TJSONNode* Node) {
   std::unordered_set<TJSONNode*> there(FList.begin(), FList.end());
   const bool distinct = there.empty() && children.InChain;
   while (TJSONNode* const child = NextChild(children)) {
-    if (!Item.Filter->Holds(TreeOf(child), child)) continue;
+    if (!Item.Filter->Holds(TreeOf(child), child, FLeavesOwner ? nullptr : FRoot)) continue;
     if (distinct || there.insert(child).second) FList.push_back(child);
   }
 }
@@ -257,7 +259,7 @@ void TJSONPath::UseIndex(std::int64_t Index, TJSONNode* Node) {
   if (!TJSONNodes::IsDerived(array) && !Node->Has(jfList)) {
     FList.push_back(TJSONNodes::ListOf(array)[static_cast<std::size_t>(Index)]);
   } else if (TZmJSONBase* const item = array.Item(static_cast<int>(Index))) {
-    Note(*item);
+    Note(*item, Node);
     if (TJSONNodes::Node(*item)->Class() != jcNone) FList.push_back(TJSONNodes::Node(*item));
   }
 }
@@ -317,11 +319,14 @@ void TJSONPath::CreateMember(TPathItem& Item, TJSONNode* Node) {
 }
 
 TJSONSelection SelectJSON(TZmJSONBase& Start, StringView Path, TZmJDOCSelectOptions Options) {
-  TJSONTree* const shown = TJSONNodes::Node(Start)->Has(jfList) ? TJSONNodes::ListOf(Start).Shown : nullptr;
+  TJSONNode* const node = TJSONNodes::Node(Start);
+  TJSONTree* const shown = node->Has(jfList) ? TJSONNodes::ListOf(Start).Shown : nullptr;
   TJSONSelection found{{}, shown ? shown : &TJSONNodes::Tree(Start)};
   TJSONPath path(Path, Options, 0);
-  path.Follow(*found.Tree, TJSONNodes::Node(Start), TJSONNodes::IsMember(Start), found.Nodes);
-  if (path.LeavesTree()) found.Tree = nullptr;
+  path.Follow(*found.Tree, node, TJSONNodes::IsMember(Start), nullptr, found.Nodes);
+  // A list that shows others stands in a tree of its own.
+  const bool itself = shown && std::find(found.Nodes.begin(), found.Nodes.end(), node) != found.Nodes.end();
+  if (path.LeavesTree() || itself) found.Tree = nullptr;
   return found;
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/json/ModelInterfaces.h"
 #include "zamrit/xml/json/PathFilterDetail.h"
 #include "zamrit/xml/json/TreeDetail.h"
@@ -18,6 +19,13 @@ struct TJSONSelection {
   TJSONTree* Tree;                ///< theirs, or nil where there may be several
 };
 TJSONSelection SelectJSON(TZmJSONBase& Start, StringView Path, TZmJDOCSelectOptions Options);
+
+/// The character of a text, both halves of a pair; empty at the end.
+inline StringView CharAt(StringView Text, std::size_t At) {
+  if (At >= Text.size()) return {};
+  const bool pair = IsHighSurrogate(Text[At]) && At + 1 < Text.size() && IsLowSurrogate(Text[At + 1]);
+  return Text.substr(At, pair ? 2 : 1);
+}
 
 /// One item between the commas of a step.
 struct TPathItem {
@@ -71,8 +79,9 @@ class TJSONPath {
   TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth);
   ~TJSONPath();
 
-  /// Appends what the path leads to from a node, a member's value where AsMember says so.
-  void Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, std::vector<TJSONNode*>& Found);
+  /// Appends what the path leads to from a node, a member's value where AsMember says so. Root is that of the node, or
+  /// nil to look for it.
+  void Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRoot* Root, std::vector<TJSONNode*>& Found);
   /// Whether it has come to a node of another tree.
   bool LeavesTree() const { return FLeavesTree; }
 
@@ -88,7 +97,7 @@ class TJSONPath {
   void CreateMember(TPathItem& Item, TJSONNode* Node);
   std::int64_t IndexOf(StringView Expression, TJSONNode* Node);
   TJSONNode* NextChild(TChildCursor& Children);
-  void Note(TZmJSONBase& Object);
+  void Note(TZmJSONBase& Object, TJSONNode* Container);
   TJSONTree& TreeOf(TJSONNode* Node);
 
   struct TPart {
@@ -101,6 +110,8 @@ class TJSONPath {
   int FDepth;
   TJSONTree* FTree = nullptr;
   bool FLeavesTree = false;
+  bool FLeavesOwner = false;  // has come to a node that does not stand under the one it was found in
+  TJSONRoot* FRoot = nullptr;
   std::vector<TJSONNode*> FList;
   std::vector<TJSONNode*> FFresh;
   std::vector<TTask> FTasks;

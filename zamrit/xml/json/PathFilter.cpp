@@ -55,9 +55,7 @@ class TPathFilter::TScan {
   }
   void Expect(const char16_t* Expected) {
     if (!AtEnd() && FText[FAt] == *Expected) return Next();
-    std::size_t size = AtEnd() ? 0 : 1;
-    if (size == 1 && IsHighSurrogate(FText[FAt]) && FAt + 1 < FText.size() && IsLowSurrogate(FText[FAt + 1])) size = 2;
-    throw EZmJSONException(_cZmJSONInvalidCharInPath1, {Expected, FText.substr(std::min(FAt, FText.size()), size)}, 14);
+    throw EZmJSONException(_cZmJSONInvalidCharInPath1, {Expected, CharAt(FText, FAt)}, 14);
   }
   StringView Operand() {
     const std::size_t begin = FAt;
@@ -176,8 +174,9 @@ TPathFilter::TOperand TPathFilter::MakeOperand(StringView Text, bool IgnoreCase)
   return operand;
 }
 
-bool TPathFilter::Holds(TJSONTree& Tree, TJSONNode* Node) {
+bool TPathFilter::Holds(TJSONTree& Tree, TJSONNode* Node, TJSONRoot* Root) {
   FTree = &Tree;
+  FRoot = Root;
   FNode = Node;
   FInvalid = false;
   ++FRound;
@@ -266,7 +265,7 @@ bool TPathFilter::ValueOf(TTerm& Term) {
   Assert(Term.Kind != tkNone, u"An expression without a value!");
   if (Term.Kind == tkComparison) return Compare(Term);
   FFound.clear();
-  Term.Left.Path->Follow(*FTree, FNode, false, FFound);
+  Term.Left.Path->Follow(*FTree, FNode, false, FRoot, FFound);
   return !FFound.empty();
 }
 
@@ -274,7 +273,7 @@ Variant TPathFilter::OperandValue(TOperand& Operand) {
   if (Operand.Text.empty()) return Null();
   if (Operand.Text[0] != u'$' && Operand.Text[0] != u'@') return Operand.Text;
   FFound.clear();
-  Operand.Path->Follow(*FTree, FNode, false, FFound);
+  Operand.Path->Follow(*FTree, FNode, false, FRoot, FFound);
   if (FFound.empty()) return Null();
   TJSONNode* const node = FFound[0];
   if (node->Class() == jcSimple) return ZmVarToStr(ValueOfSimple(*node));

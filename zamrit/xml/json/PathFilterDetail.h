@@ -13,6 +13,12 @@ class TJSONPath;
 class TJSONTree;
 struct TJSONNode;
 
+/// The root that the nodes of a selection stand under, looked up when it is asked for first.
+struct TJSONRoot {
+  bool IsKnown = false;
+  TJSONNode* Node = nullptr;  ///< nil where the document is empty
+};
+
 /// The expression of a filter, made of terms in chains. The terms of a chain are joined by "&&" and "||" without
 /// precedence: the first term is joined with the chain that begins at the second, the outcome with the chain that
 /// begins at the third, and so on.
@@ -22,8 +28,8 @@ class TPathFilter {
   TPathFilter(StringView Item, bool IgnoreCase, int Depth);
   ~TPathFilter();
 
-  /// Whether the expression holds for a node.
-  bool Holds(TJSONTree& Tree, TJSONNode* Node);
+  /// Whether the expression holds for a node. Root is that of the node, or nil to look for it.
+  bool Holds(TJSONTree& Tree, TJSONNode* Node, TJSONRoot* Root);
 
  private:
   enum TComparison { opUnequal, opEqual, opSmaller, opSmallerEqual, opGreater, opGreaterEqual };
@@ -62,6 +68,7 @@ class TPathFilter {
   bool FInvalid = false;
   TJSONTree* FTree = nullptr;
   TJSONNode* FNode = nullptr;
+  TJSONRoot* FRoot = nullptr;
   std::vector<TJSONNode*> FFound;
 };
 

@@ -171,11 +171,11 @@ class TJSONTree {
     ++FViews;
   }
   void RemoveView();
+  bool HasViews() const { return FViews > 0; }
 
   TJSONNode* Pending = nullptr;  ///< nodes to be freed, the next one first
   bool Freeing = false;
   bool Leaving = false;  ///< all of the tree goes: records without objects are left to the arena
-  bool Left = false;     ///< it has gone
 
  private:
   ~TJSONTree() = default;

@@ -10,6 +10,7 @@
 #include "zamrit/common/TextTypes.h"
 #include "zamrit/platform/Numbers.h"
 #include "zamrit/platform/reflection/Reflection.h"
+#include "zamrit/xml/json/EscapesDetail.h"
 #include "zamrit/xml/json/JSONDocument.h"
 #include "zamrit/xml/values/DateTimes.h"
 #include "zamrit/xml/values/Numbers.h"
@@ -19,39 +20,15 @@ namespace zm {
 
 namespace {
 
-/// The letter behind the backslash; cDropped for a character that is left out, 0 for one that stays.
-constexpr char16_t cDropped = 1;
-
-constexpr char16_t Escape(char16_t Unit) {
-  switch (Unit) {
-    case u'\b':
-      return u'b';
-    case u'\t':
-      return u't';
-    case u'\n':
-      return u'n';
-    case u'\f':
-      return u'f';
-    case u'\r':
-      return u'r';
-    case u'"':
-    case u'/':
-    case u'\\':
-      return Unit;
-    default:
-      return Unit >= 1 && Unit <= 7 ? cDropped : u'\0';
-  }
-}
-
 void AppendEscape(String& Out, char16_t Unit) {
   static constexpr char16_t digits[] = u"0123456789ABCDEF";
   if (Unit >= 0x100) {
     const char16_t text[] = {
         u'\\', u'u', digits[Unit >> 12], digits[Unit >> 8 & 15], digits[Unit >> 4 & 15], digits[Unit & 15]};
     Out.append(text, std::size(text));
-  } else if (const char16_t letter = Escape(Unit); letter != cDropped) {
+  } else if (const char letter = detail::JSONEscape(Unit); letter != detail::cJSONDropped) {
     Out += u'\\';
-    Out += letter;
+    Out += static_cast<char16_t>(letter);
   }
 }
 
@@ -59,7 +36,7 @@ void AppendJSON(String& Out, StringView Text) {
   const char16_t* run = Text.data();
   const char16_t* const end = run + Text.size();
   for (const char16_t* at = run; at != end; ++at) {
-    if (*at < 0x100 && Escape(*at) == 0) continue;
+    if (*at < 0x100 && detail::JSONEscape(*at) == 0) continue;
     Out.append(run, at);
     AppendEscape(Out, *at);
     run = at + 1;
@@ -381,11 +358,7 @@ TValue ZmJSONToVal(StringView Text, const TZmTypeInfo* TypeInfo, bool Raise) {
     return TValue();
   }
   TValue value;
-  try {
-    if (TypeInfo->RttiType && ReadOwnForm(Text, *TypeInfo, value)) return value;
-  } catch (const EConvertError&) {
-    throw Exception(u"Failed to convert the value \"%s\" to a value of type %s!", {Text, TypeInfo->Name});
-  }
+  if (TypeInfo->RttiType && ReadOwnForm(Text, *TypeInfo, value)) return value;
   return ZmXMLToValue(Text, TypeInfo);
 }
 

@@ -58,8 +58,9 @@ TDateTime ZmJSONToDateTime(const Variant& Value, TDateTime Default);
 String ZmJSONType(const TZmTypeInfo* TypeInfo, String& Format, TZmSchemaDataType* SchemaType = nullptr);
 String ZmJSONType(const TRttiType* Type, String& Format, TZmSchemaDataType* SchemaType = nullptr);
 
-/// Reads JSON text, without the quotation marks of a string, as a value of a simple type. Raises Exception with a text
-/// that begins "Failed to convert" where it does not read as one, or the type is not simple. A type that is not known
+/// Reads JSON text, without the quotation marks of a string, as a value of a simple type. Raises EConvertError
+/// for a date or an escape in a string that is none, else Exception with a text that begins "Failed to convert" where
+/// it does not read as a value of the type, or the type is not simple. A type that is not known
 /// by name, or nil, raises EZmUnknownType with Raise, and gives an empty value without it.
 TValue ZmJSONToVal(StringView Text, const TZmTypeInfo* TypeInfo, bool Raise);
 TValue ZmJSONToVal(StringView Text, StringView TypeName, bool Raise);

@@ -8,6 +8,7 @@
 #include "zamrit/common/SysUtils.h"
 #include "zamrit/common/ZmTypes.h"
 #include "zamrit/platform/TextDetail.h"
+#include "zamrit/xml/json/EscapesDetail.h"
 #include "zamrit/xml/json/JSONErrors.h"
 #include "zamrit/xml/json/NodesDetail.h"
 #include "zamrit/xml/json/SimpleDetail.h"
@@ -18,24 +19,30 @@ namespace zm::detail {
 
 namespace {
 
-constexpr char cPlain = 0, cDropped = 1, cFar = 2;
+constexpr char cPlain = 0, cFar = 2;
 
-/// What ZmStrToJSON makes of the first byte of a character: cPlain, cDropped, cFar from U+0100 on, else the letter
-/// behind the backslash.
+/// What ZmStrToJSON makes of the first byte of a character: cFar from U+0100 on, else what JSONEscape says.
 constexpr std::array<char, 256> cEscapes = [] {
   std::array<char, 256> escapes{};
-  for (unsigned c = 1; c <= 7; ++c) escapes[c] = cDropped;
-  for (unsigned c = 0xC4; c < 256; ++c) escapes[c] = cFar;
-  escapes['\b'] = 'b';
-  escapes['\t'] = 't';
-  escapes['\n'] = 'n';
-  escapes['\f'] = 'f';
-  escapes['\r'] = 'r';
-  escapes['"'] = '"';
-  escapes['/'] = '/';
-  escapes['\\'] = '\\';
+  for (unsigned c = 0; c < 256; ++c) escapes[c] = c < 0xC4 ? JSONEscape(static_cast<char16_t>(c)) : cFar;
   return escapes;
 }();
+
+/// Counts how deep writing has come, in this thread, into lists and into writers within writers.
+class TDeeper {
+ public:
+  TDeeper() {
+    constexpr int deepest = 1000;
+    if (FDepth == deepest) throw EStackOverflow(u"Stack overflow");
+    ++FDepth;
+  }
+  ~TDeeper() { --FDepth; }
+  TDeeper(const TDeeper&) = delete;
+  TDeeper& operator=(const TDeeper&) = delete;
+
+ private:
+  static inline thread_local int FDepth = 0;
+};
 
 /// Text in units of one kind on its way to a stream or, without one, into a string.
 template <class U>
@@ -191,6 +198,7 @@ class TJSONWriter {
   bool WriteDerived(TJSONNode* Node, bool WithName, int Level, bool Indent) {
     TZmJSONBase* const object = WithName ? Node->Extra->Member : Node->Extra->Node;
     if (!object || !TJSONNodes::IsDerived(*object)) return false;
+    const TDeeper deeper;
     FOut.Flush();
     if (sizeof(U) == 2 && FStream) {
       object->SaveToStream(FStream, FFormat, Level, Indent);
@@ -204,8 +212,7 @@ class TJSONWriter {
 
   // Children of any owner, which may hold each other.
   void WriteList(TJSONNode* Node, int Level) {
-    constexpr int deepest = 1000;
-    if (++FLists > deepest) throw EStackOverflow(u"Stack overflow");
+    const TDeeper deeper;
     TZmJSONBase* const object = Node->Object();
     const TJSONList& list = TJSONNodes::ListOf(*object);
     for (std::size_t i = 0; i < list.Count(); ++i) {
@@ -216,7 +223,6 @@ class TJSONWriter {
       else
         WriteNode(list[i], member, Level, i == 0, false);
     }
-    --FLists;
   }
 
   void WriteSimple(const TJSONNode& Node) {
@@ -325,7 +331,7 @@ class TJSONWriter {
     }
     if (escape == cPlain) {
       FOut.Put(*P);
-    } else if (escape != cDropped) {
+    } else if (escape != cJSONDropped) {
       FOut.Put('\\');
       FOut.Put(escape);
     }
@@ -362,7 +368,6 @@ class TJSONWriter {
   TOutput<U> FOut;
   TStream* FStream;
   bool FFormat;
-  int FLists = 0;
 };
 
 }  // namespace
