@@ -5,8 +5,6 @@
 #include <new>
 #include <utility>
 
-#include "zamrit/platform/PagesDetail.h"
-
 #if defined(__linux__)
 #include <sys/mman.h>
 #endif
@@ -15,7 +13,7 @@ namespace zm {
 
 namespace {
 
-constexpr std::size_t cFirst = 512, cHuge = std::size_t{2} << 20, cHugeFrom = std::size_t{1} << 20;
+constexpr std::size_t cFirst = 512, cHuge = std::size_t{2} << 20, cHugeFrom = std::size_t{256} << 10;
 constexpr std::size_t cKept = std::size_t{64} << 20;
 
 void FreeHuge(char* Memory) noexcept { ::operator delete (Memory, std::align_val_t{cHuge}); }
@@ -85,36 +83,30 @@ void GiveBackHuge(char* Memory, std::size_t Size) noexcept {
 
 }  // namespace
 
-char* detail::NewPages(std::size_t& Size) {
-  if (Size > cHugeFrom) return NewHuge(Size);
-  Size = (Size + cPage - 1) / cPage * cPage;
-  return static_cast<char*>(::operator new (Size, std::align_val_t{cPage}));
-}
-
-void detail::FreePages(char* Memory, std::size_t Size) noexcept {
-  if (Size > cHugeFrom)
-    GiveBackHuge(Memory, Size);
-  else
-    ::operator delete (Memory, std::align_val_t{cPage});
-}
-
 TArena::~TArena() {
   for (const TBlock& block : FBlocks) {
-    if (block.Size < cHuge)
-      ::operator delete(block.Memory);
-    else
+    if (block.Size >= cHuge)
       GiveBackHuge(block.Memory, block.Size);
+    else if (block.Size >= cPage)
+      ::operator delete (block.Memory, std::align_val_t{cPage});
+    else
+      ::operator delete(block.Memory);
   }
 }
 
+// Blocks of a page and more begin and end at the bounds of pages.
 void TArena::AddBlock(std::size_t Least) {
   FBlocks.reserve(FBlocks.size() + 1);
-  TBlock block{nullptr, std::max(Least, std::max(FReserved, cFirst))};
-  if (FReserved >= cHugeFrom) block.Size = std::max(Least, FReserved / 8);
-  if (block.Size > cHugeFrom || FReserved >= cHugeFrom)
+  TBlock block{nullptr, std::max({Least, cFirst, FReserved < cHugeFrom ? FReserved : FReserved / 8})};
+  if (block.Size > cHugeFrom || FReserved >= cHugeFrom) {
     block.Memory = NewHuge(block.Size);
-  else
-    block.Memory = static_cast<char*>(::operator new (block.Size = (block.Size + 7) & ~std::size_t{7}));
+  } else if (block.Size >= cPage) {
+    block.Size = (block.Size + cPage - 1) / cPage * cPage;
+    block.Memory = static_cast<char*>(::operator new (block.Size, std::align_val_t{cPage}));
+  } else {
+    block.Size = (block.Size + 7) & ~std::size_t{7};
+    block.Memory = static_cast<char*>(::operator new(block.Size));
+  }
   FBlocks.push_back(block);
   FReserved += block.Size;
   FLow = block.Memory;

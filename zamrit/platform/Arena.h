@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -8,13 +9,14 @@
 namespace zm {
 
 /// Memory that is given out piece by piece and taken back as a whole. It comes from blocks that grow with what they
-/// hold; past 1 MB they are multiples of 2 MB, under huge pages where the system has them, and some of those are kept
+/// hold; past 256 KB they are multiples of 2 MB, under huge pages where the system has them, and some of those are kept
 /// for the next arena when one ends. What is not in use at the end of a block is at most an eighth of the whole, or a
 /// block. An arena is used by one thread at a time, different arenas by any.
 class TArena {
  public:
   /// Bytes behind a text of Room that may be written over.
   static constexpr std::size_t cPad = 16;
+  static constexpr std::size_t cPage = 4096;
 
   TArena() = default;
   ~TArena();
@@ -27,6 +29,15 @@ class TArena {
     if (static_cast<std::size_t>(FHigh - FLow) < Size) [[unlikely]]
       AddBlock(Size);
     return FHigh -= Size;
+  }
+  /// A page, aligned to its size. Raises std::bad_alloc.
+  void* TakePage() {
+    const std::size_t above = reinterpret_cast<std::uintptr_t>(FHigh) % cPage;
+    if (static_cast<std::size_t>(FHigh - FLow) < cPage + above) [[unlikely]] {
+      AddBlock(cPage);
+      return FHigh -= cPage;
+    }
+    return FHigh -= cPage + above;
   }
   /// Room for a text of up to Size bytes and cPad more, which counts as taken once Keep is told where the text ends.
   char* Room(std::size_t Size) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
 #include "zamrit/platform/Objects.h"
@@ -51,6 +52,9 @@ class TZmIntf {
   TZmIntf(std::nullptr_t) {}                                                           // NOLINT
   TZmIntf(I* Object) : FObject(Object), FCounted(Object && Object->_AddRef() >= 0) {}  // NOLINT
   TZmIntf(const TZmIntf& Other) : TZmIntf(Other.FObject) {}
+  /// A handle by a further interface of the object.
+  template <class T, class = std::enable_if_t<std::is_convertible_v<T*, I*>>>
+  TZmIntf(const TZmIntf<T>& Other) : TZmIntf(static_cast<I*>(Other.Get())) {}  // NOLINT
   TZmIntf(TZmIntf&& Other) noexcept
       : FObject(std::exchange(Other.FObject, nullptr)), FCounted(std::exchange(Other.FCounted, false)) {}
   template <class T>

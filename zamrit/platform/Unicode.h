@@ -14,6 +14,10 @@ String NormalizeText(StringView Text, TNormalForm Form);
 /// Latin, Greek and Cyrillic letters. Vowel signs and points of other scripts stay, and so do ligatures. Linear.
 String StripDiacritics(StringView Text);
 
+/// Compares two texts by the root collation of Unicode, the same on every machine: -1, 0 or 1. Where case is ignored,
+/// texts that differ in nothing else are equal. Linear; ten to a hundred times the cost of comparing units. Any thread.
+int CompareCollated(StringView Left, StringView Right, bool IgnoreCase);
+
 /// The simple mappings of a character, independent of any locale.
 char32_t UpperChar(char32_t Char);
 char32_t LowerChar(char32_t Char);
