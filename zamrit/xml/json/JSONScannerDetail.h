@@ -277,9 +277,11 @@ class TJSONScanner : private TWindowCursor<S> {
     if constexpr (Sink::cToldBehind) {
       if (P != End() && (*P == U(']') || *P == U('}') || *P == U(','))) return TellNumber(P, {begin, P});
       // What is passed over must not be held with the number.
+      const auto size = static_cast<std::size_t>(P - begin);
       FNumber.assign(begin, P);
+      FNumber.resize(size + 16);  // so much is read at once
       if (!EndsAtSpace(P)) SkipToNear<']', '}', ','>(P);
-      TellNumber(P, {FNumber.data(), FNumber.data() + FNumber.size()});
+      TellNumber(P, {FNumber.data(), FNumber.data() + size});
     } else {
       TellNumber(P, {begin, P});
       if (!EndsAtSpace(P)) SkipToNear<']', '}', ','>(P);

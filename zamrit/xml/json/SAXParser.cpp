@@ -1,45 +1,14 @@
 #include "zamrit/xml/json/SAXParser.h"
 
-#include <algorithm>
-#include <array>
-
 #include "zamrit/common/Encoding.h"
 #include "zamrit/common/TextStreams.h"
 #include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/xml/json/SAXJSONReader.h"
+#include "zamrit/xml/sax/SkipBlanksDetail.h"
 #include "zamrit/xml/sax/XMLErrors.h"
 #include "zamrit/xml/sax/XMLReader.h"
 
 namespace zm {
-namespace {
-
-constexpr std::uint16_t cPageUTF16BE = 1201;
-
-// Moves the stream to the first character above the blank, or where there is none to the last one, and tells whether it
-// is "<".
-bool BeginsWithMarkup(TStream& Stream, std::uint16_t CodePage) {
-  const bool bigEndian = CodePage == cPageUTF16BE;
-  const std::size_t size = bigEndian || CodePage == cZmPageUTF16 ? 2 : 1;
-  std::array<unsigned char, 4096> block;
-  for (bool passed = false;; passed = true) {
-    std::size_t count = 0;
-    while (const std::size_t more = Stream.Read(block.data() + count, block.size() - count)) count += more;
-    const auto back = [&](std::size_t Bytes) { Stream.Seek(-static_cast<std::int64_t>(Bytes), soCurrent); };
-    for (std::size_t at = 0; at + size <= count; at += size) {
-      const unsigned first = block[at], second = size == 2 ? block[at + 1] : 0u;
-      const unsigned value = bigEndian ? first << 8 | second : second << 8 | first;
-      if (value <= u' ') continue;
-      back(count - at);
-      return value == u'<';
-    }
-    if (count == block.size()) continue;
-    back(passed ? size : std::min(size, count));
-    return false;
-  }
-}
-
-}  // namespace
-
 void TZmSAXParser::ParseStream(TStream* Stream, std::uint16_t CodePage, StringView PublicID) {
   if (FRunning) throw EZmXMLException(_cZmXMLAlreadyParsing, xecAlreadyParsing);
   const TZmIntf<IZmObject> self(this);
@@ -50,7 +19,7 @@ void TZmSAXParser::ParseStream(TStream* Stream, std::uint16_t CodePage, StringVi
       FRunning = false;
     });
     Call(OnStart);
-    if (BeginsWithMarkup(*Stream, CodePage))
+    if (detail::SkipBlanks(*Stream, CodePage) == u'<')
       FReader = Create<TZmSAXXMLReader>();
     else
       FReader = Create<TZmSAXJSONReader>();

@@ -30,6 +30,7 @@ struct TXMLName {
   StringView QName;
   StringView Prefix;
   TNameRole Role = TNameRole::Ordinary;
+  void* Record = nullptr;  // what the consumer knows the name by
   // What came next the last time, as a guess that spares cutting and looking up a name.
   TXMLName* AfterStart = nullptr;      // the element that began after the start tag of this one
   TXMLName* AfterEnd = nullptr;        // and after its end tag

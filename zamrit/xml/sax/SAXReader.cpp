@@ -1,15 +1,13 @@
 #include "zamrit/xml/sax/SAXReader.h"
 
-#include "zamrit/common/Encoding.h"
 #include "zamrit/common/CurrentMessageDetail.h"
+#include "zamrit/common/Encoding.h"
 #include "zamrit/common/TextStreams.h"
 #include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/xml/sax/XMLErrors.h"
 
 namespace zm {
-namespace {
-
-}  // namespace
+namespace {}  // namespace
 
 TZmSAXReader::TZmSAXReader() : FEmptyAttributes(Create<TZmSAXXMAttributes>()) { SetAutoDestroy(false); }
 

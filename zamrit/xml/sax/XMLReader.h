@@ -39,13 +39,12 @@ class TZmSAXXMLReader : public TZmSAXReader {
 
   bool FCheckSingleRootElm = true;
   TZmOwner<TZmSAXNamespaceList> FNamespaceList;
-  TZmXMLParser* FParser = nullptr;  // the base's parser under its own type
+  TZmXMLParser* FParser = nullptr;                // the base's parser under its own type
+  std::unique_ptr<detail::TXMLScratch> FScratch;  // buffers that serve parse after parse
 
  private:
   template <detail::TStorage S>
   void ParseDocument(TZmXMLParser& Parser);
-
-  std::unique_ptr<detail::TXMLScratch> FScratch;  // buffers that serve parse after parse
 };
 
 }  // namespace zm

@@ -531,6 +531,7 @@ class TXMLScanner : private TWindowCursor<S> {
                 : IsNamespaceKeyword(Name.Prefix) ? TNameRole::Prefix
                                                   : TNameRole::Ordinary;
     Name.Generation = 0;
+    Name.Record = nullptr;
     FTemporary.Reset();
   }
 
