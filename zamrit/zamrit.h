@@ -12,4 +12,5 @@
 #include "zamrit/common/uZmTypes.h"
 #include "zamrit/xml/uZmJSON.h"
 #include "zamrit/xml/uZmSAX.h"
+#include "zamrit/xml/uZmXMLDOM.h"
 #include "zamrit/xml/uZmXMLUtils.h"

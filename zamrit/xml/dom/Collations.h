@@ -1,0 +1,39 @@
+#pragma once
+
+#include "zamrit/platform/Strings.h"
+
+namespace zm {
+
+/// How texts compare: a class of operations, of which there are no objects. Three-way comparison goes by the root
+/// collation of Unicode, the same everywhere; two ASCII texts are equal exactly when their characters are.
+class TZmXPathCollation {
+ public:
+  /// -1, 0 or 1.
+  virtual int Compare(StringView A, StringView B) const = 0;
+  /// The place of the first SubStr in Str, from 1; 0 where there is none, or where SubStr is empty.
+  virtual int Pos(StringView SubStr, StringView Str) const = 0;
+  /// Whether Compare gives 0. Costs no more than a comparison of bytes where both texts are ASCII.
+  bool SameText(StringView A, StringView B) const;
+  /// Whether case does not matter.
+  virtual bool IgnoresCase() const = 0;
+
+  TZmXPathCollation(const TZmXPathCollation&) = delete;
+  TZmXPathCollation& operator=(const TZmXPathCollation&) = delete;
+
+ protected:
+  constexpr TZmXPathCollation() = default;
+  ~TZmXPathCollation() = default;
+};
+
+/// A reference to a collation class.
+using TZmXPathCollationClass = const TZmXPathCollation*;
+
+/// Ignores case; Pos ignores the case of ASCII letters alone.
+extern const TZmXPathCollationClass TZmXPathCollationASCIICI;
+/// Minds case. The order is that of words, not of code points.
+extern const TZmXPathCollationClass TZmXPathCollationCodepoint;
+
+/// What new documents compare names by: TZmXPathCollationASCIICI at first. Written before trees are made; not guarded.
+extern TZmXPathCollationClass DefaultXPathCollation;
+
+}  // namespace zm
