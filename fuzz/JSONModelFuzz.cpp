@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/Check.h"
 #include "zamrit/common/Encoding.h"
 #include "zamrit/common/TextStreams.h"
 #include "zamrit/xml/uZmJSON.h"
@@ -12,20 +13,6 @@
 using namespace zm;
 
 namespace {
-
-void Require(bool Condition) {
-  if (!Condition) __builtin_trap();
-}
-
-template <class F>
-bool Try(F Call) {
-  try {
-    Call();
-    return true;
-  } catch (const Exception&) {
-    return false;
-  }
-}
 
 std::string Saved(TZmJSONDocument& Document, bool Format = false) {
   TMemoryStream stream;

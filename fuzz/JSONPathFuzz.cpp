@@ -5,27 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include "fuzz/Check.h"
 #include "zamrit/xml/uZmJSON.h"
 
 using namespace zm;
 
-namespace {
-
-void Require(bool Condition) {
-  if (!Condition) __builtin_trap();
-}
-
-template <class F>
-bool Try(F Call) {
-  try {
-    Call();
-    return true;
-  } catch (const Exception&) {
-    return false;
-  }
-}
-
-}  // namespace
+namespace {}  // namespace
 
 // The first byte chooses the options, the path ends at the first line break.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size) {

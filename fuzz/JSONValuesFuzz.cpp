@@ -5,15 +5,12 @@
 #include <cstring>
 #include <memory>
 
+#include "fuzz/Check.h"
 #include "zamrit/platform/Exceptions.h"
 #include "zamrit/xml/uZmJSON.h"
 #include "zamrit/xml/uZmXMLUtils.h"
 
 namespace {
-
-void Require(bool Condition) {
-  if (!Condition) __builtin_trap();
-}
 
 template <class F>
 void Try(F Call) {

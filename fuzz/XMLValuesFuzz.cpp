@@ -5,14 +5,11 @@
 #include <cstring>
 #include <memory>
 
+#include "fuzz/Check.h"
 #include "zamrit/platform/Exceptions.h"
 #include "zamrit/xml/uZmXMLUtils.h"
 
 namespace {
-
-void Require(bool Condition) {
-  if (!Condition) __builtin_trap();
-}
 
 // Reads the text, unless it is refused, and calls Judge with the outcome.
 template <class F, class FJudge>
