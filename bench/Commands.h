@@ -11,6 +11,13 @@ int RunXMLEvents(const TOptions& Options);
 /// stopped.
 int RunXMLEventsLimits(const TOptions& Options);
 
+/// Compares the XML documents. Answers 0.
+int RunXMLDocument(const TOptions& Options);
+
+/// Compares node paths with those of pugixml and measures how edits of an XML document grow. Answers 0, or 1 when a run
+/// failed or was stopped.
+int RunNodePaths(const TOptions& Options);
+
 /// Compares the readers of JSON events. Answers 0.
 int RunJSONEvents(const TOptions& Options);
 

@@ -39,7 +39,7 @@ constexpr const char* cNotes =
 
 int RunJSONModel(const TOptions& Options) {
   const double seconds = Options.Quick ? std::min(Options.Seconds, 0.1) : Options.Seconds;
-  std::vector<TTreeSource> sources = LoadSources(Options.Data / "json", {".json"});
+  std::vector<TTreeSource> sources = LoadSources(Options.Data / "json", {".json"}, 20000);
   sources.push_back({"generated", GeneratedJSON(Options.Quick ? 5000000 : 100000000)});
 
   std::string text = "# The JSON model\n\n" + DescribeMachine() + ".\n\n";

@@ -147,14 +147,15 @@ std::string GoalTable(std::span<const TTreeLibrary> Libraries, const std::vector
 
 }  // namespace
 
-std::vector<TTreeSource> LoadSources(const std::filesystem::path& Folder, std::initializer_list<const char*> Suffixes) {
+std::vector<TTreeSource> LoadSources(const std::filesystem::path& Folder, std::initializer_list<const char*> Suffixes,
+                                     std::uintmax_t Smallest) {
   std::vector<TTreeSource> sources;
   if (!std::filesystem::is_directory(Folder)) {
     std::fprintf(stderr, "no documents in %s: only generated ones are measured\n", Folder.c_str());
     return sources;
   }
   for (const auto& entry : std::filesystem::directory_iterator(Folder))
-    if (entry.is_regular_file() && entry.file_size() > 20000 &&
+    if (entry.is_regular_file() && entry.file_size() >= Smallest &&
         std::find(Suffixes.begin(), Suffixes.end(), entry.path().extension()) != Suffixes.end())
       sources.push_back({entry.path().filename().string(), ReadFile(entry.path())});
   std::sort(sources.begin(), sources.end(), [](const auto& L, const auto& R) { return L.Name < R.Name; });

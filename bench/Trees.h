@@ -56,9 +56,10 @@ struct TTreeGoal {
   double Goal;
 };
 
-/// Documents of a folder with one of two suffixes and of at least 20,000 bytes, by name; none, with a word on standard
-/// error, where there is no such folder.
-std::vector<TTreeSource> LoadSources(const std::filesystem::path& Folder, std::initializer_list<const char*> Suffixes);
+/// Documents of a folder with one of the suffixes and of at least Smallest bytes, by name; none, with a word on
+/// standard error, where there is no such folder.
+std::vector<TTreeSource> LoadSources(const std::filesystem::path& Folder, std::initializer_list<const char*> Suffixes,
+                                     std::uintmax_t Smallest);
 
 /// Measures all tasks with all libraries, the first of which is ours, and answers the tables. Throws
 /// std::runtime_error where a library fails, or where Counted, another library, counts other nodes and names than ours.
