@@ -23,10 +23,9 @@ bool SetSwitch(TRequest& Request, std::string_view Switch) {
   static constexpr struct {
     std::string_view Switch;
     bool TRequest::*Field;
-  } flags[] = {{"--compact", &TRequest::Compact},
-               {"--bom", &TRequest::Mark},
-               {"--count", &TRequest::CountOnly},
-               {"-0", &TRequest::ZeroEnded}};
+  } flags[] = {{"--compact", &TRequest::Compact},        {"--bom", &TRequest::Mark},
+               {"--count", &TRequest::CountOnly},        {"-0", &TRequest::ZeroEnded},
+               {"--local-names", &TRequest::LocalNames}, {"--case-sensitive", &TRequest::CaseSensitive}};
   static constexpr struct {
     std::string_view Switch;
     TTextKind Kind;

@@ -19,9 +19,11 @@ struct TRequest {
   std::uint16_t CodePage = 0;  ///< 0: a byte order mark or the text itself tells
   TTextKind Kind = tkUnknown;
   bool Compact = false;
-  bool Mark = false;       ///< whether a byte order mark goes in front
-  bool CountOnly = false;  ///< whether the number of hits stands for the hits
-  bool ZeroEnded = false;  ///< whether hits end in a NUL instead of a line
+  bool Mark = false;           ///< whether a byte order mark goes in front
+  bool CountOnly = false;      ///< whether the number of hits stands for the hits
+  bool ZeroEnded = false;      ///< whether hits end in a NUL instead of a line
+  bool LocalNames = false;     ///< whether prefixes do not matter to a path
+  bool CaseSensitive = false;  ///< whether case matters to a path
 };
 
 /// Exit codes of the program.
@@ -41,7 +43,7 @@ int PrintStats(const TRequest& Request, TOutput& Out);
 int PrintFormatted(const TRequest& Request, TOutput& Out);
 /// Prints what a path selects in a document.
 int PrintSelected(const TRequest& Request, TOutput& Out);
-/// Prints JSON as XML.
+/// Prints JSON as XML, or XML as JSON.
 int PrintConverted(const TRequest& Request, TOutput& Out);
 
 }  // namespace zmtool

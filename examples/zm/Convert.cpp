@@ -35,14 +35,29 @@ class TXMLWriter : public zm::TZmSAXDefaultHandler {
   TOutput& FOut;
 };
 
+// On one line: indents would make it grow with the square of the depth.
+void ConvertToJSON(TInput& Input, const TRequest& Request, TOutput& Out) {
+  zm::TZmDOMDocument document;
+  LoadXML(Input, Request.CodePage, document);
+  zm::TZmDOMElement* const root = document.GetRootNode();
+  if (!root) throw zm::Exception(u"The text has no element!");
+  root->SaveToJSONStream(&Out, zm::cZmPageUTF8, false);
+  Out.Put("\n");
+}
+
+void ConvertToXML(TInput& Input, const TRequest& Request, TOutput& Out) {
+  TXMLWriter writer(Out);
+  ReadJSONAsXML(Input, Request.CodePage, writer);
+}
+
 }  // namespace
 
 int PrintConverted(const TRequest& Request, TOutput& Out) {
-  if (Request.To != "xml") throw EUsage(u"nothing can be converted to JSON yet, only JSON to XML");
+  const TTextKind target = Request.To == "xml" ? tkXML : tkJSON;
   TInput input(Request.File);
-  if (input.FindKind() == tkXML) throw EUsage(u"XML cannot be converted yet, only JSON to XML");
-  TXMLWriter writer(Out);
-  ReadJSONAsXML(input, Request.CodePage, writer);
+  if (input.FindKind() == target)
+    throw EUsage(target == tkXML ? u"the text is XML already" : u"the text is JSON already");
+  (target == tkXML ? ConvertToXML : ConvertToJSON)(input, Request, Out);
   return ecDone;
 }
 

@@ -14,7 +14,8 @@ constexpr TCommand cCommands[] = {
     {"events", "[--xml|--json|--form] [--encoding NAME] FILE", zmtool::PrintEvents},
     {"stats", "[--xml|--json|--form] [--encoding NAME] FILE", zmtool::PrintStats},
     {"format", "[--compact] [--bom] [--encoding NAME] FILE", zmtool::PrintFormatted},
-    {"select", "--json [--count] [-0] [--encoding NAME] FILE PATH", zmtool::PrintSelected},
+    {"select", "[--json] [--local-names] [--case-sensitive] [--count] [-0] [--encoding NAME] FILE PATH",
+     zmtool::PrintSelected},
     {"convert", "--to xml|json [--encoding NAME] FILE", zmtool::PrintConverted}};
 
 std::string UsageOf(const TCommand& Command) {
@@ -24,7 +25,9 @@ std::string UsageOf(const TCommand& Command) {
 void PrintHelp(zmtool::TOutput& Out) {
   for (const TCommand& command : cCommands) Out.Put(UsageOf(command) + '\n');
   Out.Put(
-      "FILE may be - for standard input. Without a switch a text is XML if it begins with <, else JSON.\n"
+      "FILE may be - for standard input. Without a switch a text is XML if it begins with <, else JSON. PATH is a "
+      "node\n"
+      "path, with --json a JSON path.\n"
       "Exit code: 0, 1 nothing selected, 2 wrong usage, 3 input refused.\n");
 }
 

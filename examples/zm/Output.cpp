@@ -21,6 +21,7 @@ TOutput::~TOutput() {
 
 std::size_t TOutput::Write(const void* Buffer, std::size_t Count) {
   FBuffer.append(static_cast<const char*>(Buffer), Count);
+  FPosition += static_cast<std::int64_t>(Count);
   if (FBuffer.size() >= cBuffer) Flush();
   return Count;
 }

@@ -11,6 +11,8 @@ void ReadXML(TInput& Input, std::uint16_t CodePage, zm::TZmSAXDefaultHandler& Ha
 void ReadJSONAsXML(TInput& Input, std::uint16_t CodePage, zm::TZmSAXDefaultHandler& Handler);
 /// Reads a JSON text or, where Kind says so, a form post into a handler.
 void ReadJSON(TInput& Input, TTextKind Kind, std::uint16_t CodePage, zm::TZmJSONDefaultHandler& Handler);
+/// Reads an XML text into a document.
+void LoadXML(TInput& Input, std::uint16_t CodePage, zm::TZmDOMDocument& Document);
 /// Reads a JSON text into a document.
 void LoadJSON(TInput& Input, std::uint16_t CodePage, zm::TZmJSONDocument& Document);
 

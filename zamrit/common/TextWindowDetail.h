@@ -85,6 +85,7 @@ class TTextWindow {
   /// The source through another page from the cursor on. Where the text so far was converted the cursor goes back to
   /// the start of the content.
   void SetPage(std::uint16_t Page);
+  std::uint16_t Page() const { return FPage; }
 
   std::int64_t OffsetOf(const char* P) const { return FBase + (P - Begin) / static_cast<std::ptrdiff_t>(UnitSize()); }
   /// Makes [From, To) part of the window and returns where From stands, seeking the source back where the text has been
