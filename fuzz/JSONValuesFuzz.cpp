@@ -10,18 +10,6 @@
 #include "zamrit/xml/uZmJSON.h"
 #include "zamrit/xml/uZmXMLUtils.h"
 
-namespace {
-
-template <class F>
-void Try(F Call) {
-  try {
-    Call();
-  } catch (const zm::Exception&) {  // NOLINT(bugprone-empty-catch): a refusal is an answer
-  }
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size) {
   using namespace zm;
   const std::size_t length = Size / sizeof(char16_t);
