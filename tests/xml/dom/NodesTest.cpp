@@ -184,6 +184,10 @@ TEST(DOMNodes, WhatCannotBe) {
             "This DOM document already contains a rootnode!");
   EXPECT_EQ(Raised<EZmDomNotFound>([&] { root.GetCDATA(1); }), "There is no CDATA element with index 1!");
   EXPECT_EQ(Saved(*document), "<r><a><b /></a>t</r>");
+  a->Elements().Clear();
+  EXPECT_EQ(Raised<EZmDomHierarchyRequest>([&] { a->ChildNodes()[0]->AppendChild(a); }),
+            "A node cannot be moved below itself!")
+      << "also where no list shows what is below";
 }
 
 TEST(DOMNodes, Values) {

@@ -158,7 +158,8 @@ void TZmDOMNode::AddChild(TZmDOMNode* Node, TZmDOMNode* Ref, TZmDOMPosition Posi
                                  {ZmDOMNodeTypes[GetNodeType()], ZmDOMNodeTypes[Node->GetNodeType()]});
   if (Node == this) throw EZmDomHierarchyRequest(u"A node cannot be moved below itself!");
   const bool mayBeAbove =
-      TDOMTree::CanHaveChildren(Node) && TDOMTree::FirstOfKind(Node, TDOMTree::TKind::Elements) != nullptr;
+      TDOMTree::CanHaveChildren(Node) &&
+      (Node->HasFlag(detail::dfOwnLists) || TDOMTree::FirstOfKind(Node, TDOMTree::TKind::Elements) != nullptr);
   if (mayBeAbove && (Node->FParent || !GetDOMDocument()))  // else it is not above what is in a document
     for (const TZmDOMObject* above = FParent; above; above = above->GetParent())
       if (above == Node) throw EZmDomHierarchyRequest(u"A node cannot be moved below itself!");

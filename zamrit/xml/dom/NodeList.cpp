@@ -87,7 +87,7 @@ int TZmDOMNodeListBase::IndexOf(const TZmDOMNode* Node) const {
   const int known = KnownIndexOf(Node);
   if (known >= 0) return known;
   const bool child = Node && FParent && FShown != TKind::Namespaces && Node->GetParent() == FParent;
-  if (child && TDOMTree::IsOfKind(Node, FShown) && !IsChild(Node)) return -1;
+  if (child && !IsChild(Node) && (!FHasOthers || TDOMTree::IsOfKind(Node, FShown))) return -1;
   Know(std::numeric_limits<int>::max());
   const auto begin = FList.begin() + static_cast<std::ptrdiff_t>(FHead);
   const auto found = std::find(begin, FList.end(), Node);
@@ -106,6 +106,8 @@ void TZmDOMNodeListBase::Depart() {
 void TZmDOMNodeListBase::MarkChild(TZmDOMNode* Node, bool Value) {
   if (FParent && Node->GetParent() == FParent && TDOMTree::IsOfKind(Node, FShown))
     TDOMTree::SetFlag(Node, Mark(), Value);
+  else if (Value)
+    FHasOthers = true;
 }
 
 void TZmDOMNodeListBase::Forget() {
@@ -113,6 +115,7 @@ void TZmDOMNodeListBase::Forget() {
   FHead = 0;
   FCount = -1;
   FKind = FShown;
+  FHasOthers = false;
 }
 
 void TZmDOMNodeListBase::ChainChanged(TZmDOMNode* Added) {

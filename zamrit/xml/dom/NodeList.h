@@ -114,6 +114,7 @@ class TZmDOMNodeListBase : public TZmDOMObject {
   mutable int FCursor = 0;        // the index that was sought last
   TKind FKind = TKind::Own;
   TKind FShown = TKind::Own;  // what it was before it departed
+  bool FHasOthers = false;    // whether it has been given nodes that it would not show by itself
   bool FWatched = false;      // asking for a node that has been freed is an error that debug builds tell
   TZmDOMObjectImpl* FDOMNodeListImpl = nullptr;
 };
