@@ -37,7 +37,7 @@ TDOMName* MakeName(void* To, StringView Prefix, StringView LocalName) {
 }  // namespace
 
 constexpr char cNothing[16] = {};
-const TDOMName cNoDOMName{{}, {}, {}, {cNothing, 0}, true, false, false, nullptr, nullptr};
+const TDOMName cNoDOMName{{}, {}, {}, {cNothing}, true, false, false, nullptr, nullptr};
 
 const TDOMName* TDOMTree::NewName(StringView Prefix, StringView LocalName) {
   return MakeName(::operator new(SizeOf(Prefix, LocalName)), Prefix, LocalName);
@@ -69,7 +69,7 @@ void TDOMHome::NextPage() {
   FFree = static_cast<char*>(FArena.TakePage());
   FPageEnd = FFree + TArena::cPage;
   *reinterpret_cast<TDOMHome**>(FFree) = this;
-  FFree += sizeof(TDOMHome*);
+  FFree += sizeof(void*);
 }
 
 }  // namespace zm::detail

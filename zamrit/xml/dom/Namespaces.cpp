@@ -48,8 +48,8 @@ TZmDOMAttribute* FindOwn(TDOMScope& Scope, StringView Prefix, TZmXPathCollationC
     if (found == Scope.ByPrefix->end() && !Scope.ByPrefix->empty()) return nullptr;
     if (found != Scope.ByPrefix->end() && Declares(found->second, Prefix, Collation)) return found->second;
   }
-  for (auto it = Scope.Own.rbegin(); it != Scope.Own.rend(); ++it)
-    if (Declares(*it, Prefix, Collation)) return *it;
+  for (std::size_t i = Scope.Own.size(); i-- > 0;)
+    if (Declares(Scope.Own[i], Prefix, Collation)) return Scope.Own[i];
   return nullptr;
 }
 
@@ -95,8 +95,8 @@ void TDOMTree::CollectNamespaces(TZmDOMElement* Element, std::vector<TZmDOMNode*
   std::unordered_set<String> known;  // of ASCII names
   std::vector<StringView> others;
   for (const TDOMScope* scope = Element->FScope; scope; scope = scope->Up)
-    for (auto it = scope->Own.rbegin(); it != scope->Own.rend(); ++it) {
-      const StringView name = (*it)->GetQualifiedName();
+    for (std::size_t i = scope->Own.size(); i-- > 0;) {
+      const StringView name = scope->Own[i]->GetQualifiedName();
       const auto same = [&](StringView other) { return collation->SameText(other, name); };
       if (!IsASCII(name)) {
         if (std::any_of(others.begin(), others.end(), same)) continue;
@@ -104,19 +104,19 @@ void TDOMTree::CollectNamespaces(TZmDOMElement* Element, std::vector<TZmDOMNode*
       } else if (!known.insert(collation->IgnoresCase() ? LowerCase(name) : String(name)).second) {
         continue;
       }
-      Out.push_back(*it);
+      Out.push_back(scope->Own[i]);
     }
   std::reverse(Out.begin(), Out.end());
 }
 
 TZmDOMAttribute* TDOMTree::FindNamespaceURI(TZmDOMElement* Element, StringView URI) {
   for (const TDOMScope* scope = Element->FScope; scope; scope = scope->Up)
-    for (auto it = scope->Own.rbegin(); it != scope->Own.rend(); ++it)
-      if (Decoded(*it) == URI) {
-        // It may be covered by a nearer declaration of the same prefix.
-        const StringView prefix = (*it)->GetPrefix().empty() ? StringView() : (*it)->GetLocalName();
-        if (FindPrefix(Element->FScope, prefix) == *it) return *it;
-      }
+    for (std::size_t i = scope->Own.size(); i-- > 0;) {
+      TZmDOMAttribute* const declaration = scope->Own[i];
+      // It may be covered by a nearer declaration of the same prefix.
+      if (Decoded(declaration) == URI && FindPrefix(Element->FScope, PrefixOf(declaration)) == declaration)
+        return declaration;
+    }
   return nullptr;
 }
 

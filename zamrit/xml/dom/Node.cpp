@@ -5,7 +5,6 @@
 
 namespace zm {
 
-using detail::TDOMHome;
 using detail::TDOMTree;
 
 TZmDOMNode::~TZmDOMNode() {

@@ -123,7 +123,8 @@ void TZmDOMNodeListBase::ChainChanged(TZmDOMNode* Added) {
   if (!before || !TDOMTree::IsOfKind(before, FKind)) {
     FList.clear();
   } else if (FList.empty() || FList.back() != before) {
-    FList.resize(static_cast<std::size_t>(KnownIndexOf(before) + 1));
+    const int known = KnownIndexOf(before) + 1;
+    FList.resize(static_cast<std::size_t>(known));
   } else if (FCount == Size()) {
     FList.push_back(Added);
   }

@@ -75,7 +75,8 @@ class TDOMHome {
   TDOMHome& operator=(const TDOMHome&) = delete;
 
   static TDOMHome& Of(const TZmDOMNode* Node) {
-    return **reinterpret_cast<TDOMHome**>(reinterpret_cast<std::uintptr_t>(Node) & ~std::uintptr_t{TArena::cPage - 1});
+    const auto page = reinterpret_cast<std::uintptr_t>(Node) & ~std::uintptr_t{TArena::cPage - 1};
+    return **reinterpret_cast<TDOMHome**>(page);  // NOLINT(performance-no-int-to-ptr)
   }
 
   /// Room for a node, which counts as living from here on.
@@ -247,16 +248,16 @@ class TDOMTree {
   static void HoldURI(TZmDOMNode* Node, StringView URI);
   static void RefreshElement(TZmDOMElement* Element);
   static void RefreshScope(TZmDOMElement* Element, TDOMScope* Up);
-  static void RefreshBelow(TZmDOMNode* Node);
+  static void RefreshBelow(TZmDOMNode* Top);
   static void DropScope(TZmDOMElement* Element);
   /// The declarations in force in an element, outer ones first.
   static void CollectNamespaces(TZmDOMElement* Element, std::vector<TZmDOMNode*>& Out);
   static TZmDOMAttribute* FindNamespaceURI(TZmDOMElement* Element, StringView URI);
   /// A node, with all below it, is about to leave its document, and has come to one or to none.
-  static void LeaveDocument(TZmDOMNode* Node, TZmDOMDocument* Document);
-  static void EnterDocument(TZmDOMNode* Node, TZmDOMDocument* Document);
+  static void LeaveDocument(TZmDOMNode* Top, TZmDOMDocument* Document);
+  static void EnterDocument(TZmDOMNode* Top, TZmDOMDocument* Document);
   /// A declaration has come to an element, has gone from it or has got another name.
-  static void DeclarationsChanged(TZmDOMNode* Element);
+  static void DeclarationsChanged(TZmDOMNode* Node);
   static void CutLink(TZmDOMElement* Element);
   /// Forgets a declaration of the element's own, which is about to go.
   static void CutLinkToOwn(TZmDOMElement* Element);
@@ -302,14 +303,14 @@ class TDOMTree {
   /// Frees a node that has left its parent, with all below it; what is held becomes loose.
   static void Dispose(TZmDOMNode* Node);
   /// Takes all children of a node that goes or is cleared.
-  static void FreeChildren(TZmDOMNode* Node);
+  static void FreeChildren(TZmDOMNode* Top);
   /// Takes a node out of its parent, whatever it is, without freeing it. It does not know of that yet.
   static void Leave(TZmDOMNode* Node) { LeaveFrom(static_cast<TZmDOMNode*>(Node->FParent), Node); }
   static void LeaveFrom(TZmDOMNode* Parent, TZmDOMNode* Node);
   /// Tells a node that it has no parent any more. Where memory runs out, nothing has changed.
   static void MakeLoose(TZmDOMNode* Node);
   /// The same where it must not fail: names may be lost where memory runs out.
-  static void CutLoose(TZmDOMNode* Node) noexcept;
+  static void CutLoose(TZmDOMNode* Top) noexcept;
   /// The attributes of an element that has just been built, which stand in front of all else.
   class TAttributes {
    public:
