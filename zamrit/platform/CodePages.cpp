@@ -203,6 +203,9 @@ struct TPage {
   std::optional<TSingleBytes> Single;
 };
 
+// The pages whose characters have up to four bytes; ICU counts by UTF-16 unit.
+bool IsUnicode(std::uint16_t Page) { return Page == cUTF8 || Page == cUTF16LE || Page == cUTF16BE; }
+
 TTable ReadTable(UConverter* Converter) {
   TTable table;
   for (unsigned byte = 0; byte < 256; ++byte) {
@@ -230,8 +233,7 @@ std::optional<TPage> LoadPage(std::uint16_t Page) {
   if (!name) return std::nullopt;
   const TConverterHandle converter = OpenConverter(name);
   if (!converter) return std::nullopt;
-  const bool unicode = Page == cUTF8 || Page == cUTF16LE || Page == cUTF16BE;  // ICU counts by UTF-16 unit
-  TPage page{name, unicode ? 4 : ucnv_getMaxCharSize(converter.get()), std::nullopt};
+  TPage page{name, IsUnicode(Page) ? 4 : ucnv_getMaxCharSize(converter.get()), std::nullopt};
   if (page.MaxCharSize == 1) {
     TTable table = ReadTable(converter.get());
     if (AgreesWithASCII(table)) page.Single.emplace(table);
@@ -407,6 +409,7 @@ String CodePageName(std::uint16_t Page) {
 bool IsKnownCodePage(std::uint16_t Page) { return FindPage(PlatformPage(Page)) != nullptr; }
 
 int MaxCharSize(std::uint16_t Page) {
+  if (IsUnicode(PlatformPage(Page))) return 4;  // most texts should not wait for a converter to be opened
   const TPage* page = FindPage(PlatformPage(Page));
   return page ? page->MaxCharSize : 0;
 }
