@@ -9,6 +9,11 @@
 
 namespace zm {
 
+namespace detail {
+template <class Parser>
+class TSourceForms;
+}  // namespace detail
+
 /// Input ended in the middle of something.
 class EZmTextParserEOF : public EZmException {
  public:

@@ -1,43 +1,12 @@
 #include "zamrit/xml/json/JSONTextParser.h"
 
 #include "zamrit/common/Encoding.h"
+#include "zamrit/common/SourceFormsDetail.h"
 #include "zamrit/platform/CodePages.h"
 #include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/json/JSONErrors.h"
 
 namespace zm {
-namespace {
-
-// The skips and tests of one storage, through its own raw operations.
-void SkipA(TZmTextParser& Parser, TZmTextParserSkipOp Op, const void* Char) {
-  Parser.SrcASkipWhileA(Op, *static_cast<const char*>(Char));
-}
-void SkipU(TZmTextParser& Parser, TZmTextParserSkipOp Op, const void* Char) {
-  Parser.SrcUSkipWhileA(Op, *static_cast<const char*>(Char));
-}
-void SkipW(TZmTextParser& Parser, TZmTextParserSkipOp Op, const void* Char) {
-  Parser.SrcWSkipWhileW(Op, *static_cast<const char16_t*>(Char));
-}
-
-template <class U, class Ref>
-bool Check(TZmTextParser& Parser, const Ref& CurrentUnit, const void* Char, bool Raise) {
-  const U expected = *static_cast<const U*>(Char);
-  if (CurrentUnit() == expected) return true;
-  const auto wide = static_cast<char16_t>(expected);
-  if (Raise) static_cast<TZmJSONTextParser&>(Parser).RaiseNotWellFormed({&wide, 1});
-  return false;
-}
-bool CheckA(TZmTextParser& Parser, const void* Char, bool Raise) {
-  return Check<char>(Parser, Parser.SrcACurrChar, Char, Raise);
-}
-bool CheckU(TZmTextParser& Parser, const void* Char, bool Raise) {
-  return Check<char>(Parser, Parser.SrcUCurrChar, Char, Raise);
-}
-bool CheckW(TZmTextParser& Parser, const void* Char, bool Raise) {
-  return Check<char16_t>(Parser, Parser.SrcWCurrChar, Char, Raise);
-}
-
-}  // namespace
 
 TZmJSONTextParser::TZmJSONTextParser(TStream* Stream, bool OwnsStream, std::uint16_t CodePage)
     : TZmTextParser(Stream, OwnsStream, CodePage) {
@@ -68,46 +37,21 @@ void TZmJSONTextParser::DetectEncoding() {
 
 template <class U>
 void TZmJSONTextParser::BindDelimiters() {
-  const auto form = [](const char& narrow, const char16_t& wide) -> const void* {
-    if constexpr (sizeof(U) == 1) {
-      (void)wide;
-      return &narrow;
-    } else {
-      (void)narrow;
-      return &wide;
-    }
-  };
-  FApos = form(cZmAposA, cZmAposW);
-  FQuote = form(cZmQuoteA, cZmQuoteW);
-  FSpace = form(cZmSpaceA, cZmSpaceW);
-  FColon = form(cZmColonA, cZmColonW);
-  FBackSlash = form(cZmBackSlashA, cZmBackSlashW);
-  FBracketO = form(cZmBracketOA, cZmBracketOW);
-  FBracketC = form(cZmBracketCA, cZmBracketCW);
-  FBraceO = form(cZmBraceOA, cZmBraceOW);
-  FBraceC = form(cZmBraceCA, cZmBraceCW);
-  FEqual = form(cZmEqualA, cZmEqualW);
+  FApos = detail::FormOf<U>(cZmAposA, cZmAposW);
+  FQuote = detail::FormOf<U>(cZmQuoteA, cZmQuoteW);
+  FSpace = detail::FormOf<U>(cZmSpaceA, cZmSpaceW);
+  FColon = detail::FormOf<U>(cZmColonA, cZmColonW);
+  FBackSlash = detail::FormOf<U>(cZmBackSlashA, cZmBackSlashW);
+  FBracketO = detail::FormOf<U>(cZmBracketOA, cZmBracketOW);
+  FBracketC = detail::FormOf<U>(cZmBracketCA, cZmBracketCW);
+  FBraceO = detail::FormOf<U>(cZmBraceOA, cZmBraceOW);
+  FBraceC = detail::FormOf<U>(cZmBraceCA, cZmBraceCW);
+  FEqual = detail::FormOf<U>(cZmEqualA, cZmEqualW);
 }
 
 void TZmJSONTextParser::SetCharacterSetType(TZmCharacterSetType Type) {
   TZmTextParser::SetCharacterSetType(Type);
-  switch (Type) {
-    case cstWide:
-      BindDelimiters<char16_t>();
-      SkipWhile.Bind(this, SkipW);
-      CheckCurrChar.Bind(this, CheckW);
-      break;
-    case cstUTF8:
-      BindDelimiters<char>();
-      SkipWhile.Bind(this, SkipU);
-      CheckCurrChar.Bind(this, CheckU);
-      break;
-    default:
-      BindDelimiters<char>();
-      SkipWhile.Bind(this, SkipA);
-      CheckCurrChar.Bind(this, CheckA);
-      break;
-  }
+  detail::TSourceForms<TZmJSONTextParser>::Bind(*this, Type);
 }
 
 void TZmJSONTextParser::RaiseNotWellFormed(StringView Expected) {

@@ -41,6 +41,8 @@ class TZmJSONTextParser : public TZmTextParser {
   [[noreturn]] void RaiseNotWellFormed(StringView Expected);
 
  private:
+  friend class detail::TSourceForms<TZmJSONTextParser>;
+
   template <class U>
   void BindDelimiters();
   void DetectEncoding();

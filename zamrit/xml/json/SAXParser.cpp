@@ -9,6 +9,7 @@
 #include "zamrit/xml/sax/XMLReader.h"
 
 namespace zm {
+
 void TZmSAXParser::ParseStream(TStream* Stream, std::uint16_t CodePage, StringView PublicID) {
   if (FRunning) throw EZmXMLException(_cZmXMLAlreadyParsing, xecAlreadyParsing);
   const TZmIntf<IZmObject> self(this);

@@ -7,7 +7,6 @@
 #include "zamrit/xml/sax/XMLErrors.h"
 
 namespace zm {
-namespace {}  // namespace
 
 TZmSAXReader::TZmSAXReader() : FEmptyAttributes(Create<TZmSAXXMAttributes>()) { SetAutoDestroy(false); }
 

@@ -1,6 +1,7 @@
 #include "zamrit/xml/sax/XMLParser.h"
 
 #include "zamrit/common/Encoding.h"
+#include "zamrit/common/SourceFormsDetail.h"
 #include "zamrit/common/uZmSysUtils.h"
 #include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/sax/NameCharsDetail.h"
@@ -23,34 +24,6 @@ String EncodingOf(const String& Declaration) {
   const StringView quoted = Trim(StringView(Declaration).substr(equal + 1));
   if (quoted.size() <= 1) return {};
   return String(quoted.substr(1, quoted.find(quoted[0], 1) - 1));
-}
-
-// The skips and tests of one storage, through its own raw operations.
-void SkipA(TZmTextParser& Parser, TZmTextParserSkipOp Op, const void* Char) {
-  Parser.SrcASkipWhileA(Op, *static_cast<const char*>(Char));
-}
-void SkipU(TZmTextParser& Parser, TZmTextParserSkipOp Op, const void* Char) {
-  Parser.SrcUSkipWhileA(Op, *static_cast<const char*>(Char));
-}
-void SkipW(TZmTextParser& Parser, TZmTextParserSkipOp Op, const void* Char) {
-  Parser.SrcWSkipWhileW(Op, *static_cast<const char16_t*>(Char));
-}
-
-template <class U, class Ref>
-bool Check(TZmTextParser& Parser, const Ref& CurrentUnit, const void* Char, bool Raise) {
-  const U expected = *static_cast<const U*>(Char);
-  if (CurrentUnit() == expected) return true;
-  if (Raise) static_cast<TZmXMLParser&>(Parser).RaiseNotWellFormed(static_cast<char16_t>(expected));
-  return false;
-}
-bool CheckA(TZmTextParser& Parser, const void* Char, bool Raise) {
-  return Check<char>(Parser, Parser.SrcACurrChar, Char, Raise);
-}
-bool CheckU(TZmTextParser& Parser, const void* Char, bool Raise) {
-  return Check<char>(Parser, Parser.SrcUCurrChar, Char, Raise);
-}
-bool CheckW(TZmTextParser& Parser, const void* Char, bool Raise) {
-  return Check<char16_t>(Parser, Parser.SrcWCurrChar, Char, Raise);
 }
 
 }  // namespace
@@ -82,51 +55,26 @@ void TZmXMLParser::ReadEncoding() {
 
 template <class U>
 void TZmXMLParser::BindDelimiters() {
-  const auto form = [](const char& narrow, const char16_t& wide) -> const void* {
-    if constexpr (sizeof(U) == 1) {
-      (void)wide;
-      return &narrow;
-    } else {
-      (void)narrow;
-      return &wide;
-    }
-  };
-  FAmp = form(cZmAmpA, cZmAmpW);
-  FApos = form(cZmAposA, cZmAposW);
-  FEqual = form(cZmEqualA, cZmEqualW);
-  FGt = form(cZmGtA, cZmGtW);
-  FLt = form(cZmLtA, cZmLtW);
-  FQuest = form(cZmQuestA, cZmQuestW);
-  FQuote = form(cZmQuoteA, cZmQuoteW);
-  FSlash = form(cZmSlashA, cZmSlashW);
-  FSpace = form(cZmSpaceA, cZmSpaceW);
-  FExcl = form(cZmExclA, cZmExclW);
-  FLine = form(cZmLineA, cZmLineW);
-  FColon = form(cZmColonA, cZmColonW);
-  FSemiColon = form(cZmSemiColonA, cZmSemiColonW);
-  FBracketOA = form(cZmBracketOA, cZmBracketOW);
-  FBracketCA = form(cZmBracketCA, cZmBracketCW);
+  FAmp = detail::FormOf<U>(cZmAmpA, cZmAmpW);
+  FApos = detail::FormOf<U>(cZmAposA, cZmAposW);
+  FEqual = detail::FormOf<U>(cZmEqualA, cZmEqualW);
+  FGt = detail::FormOf<U>(cZmGtA, cZmGtW);
+  FLt = detail::FormOf<U>(cZmLtA, cZmLtW);
+  FQuest = detail::FormOf<U>(cZmQuestA, cZmQuestW);
+  FQuote = detail::FormOf<U>(cZmQuoteA, cZmQuoteW);
+  FSlash = detail::FormOf<U>(cZmSlashA, cZmSlashW);
+  FSpace = detail::FormOf<U>(cZmSpaceA, cZmSpaceW);
+  FExcl = detail::FormOf<U>(cZmExclA, cZmExclW);
+  FLine = detail::FormOf<U>(cZmLineA, cZmLineW);
+  FColon = detail::FormOf<U>(cZmColonA, cZmColonW);
+  FSemiColon = detail::FormOf<U>(cZmSemiColonA, cZmSemiColonW);
+  FBracketOA = detail::FormOf<U>(cZmBracketOA, cZmBracketOW);
+  FBracketCA = detail::FormOf<U>(cZmBracketCA, cZmBracketCW);
 }
 
 void TZmXMLParser::SetCharacterSetType(TZmCharacterSetType Type) {
   TZmTextParser::SetCharacterSetType(Type);
-  switch (Type) {
-    case cstWide:
-      BindDelimiters<char16_t>();
-      SkipWhile.Bind(this, SkipW);
-      CheckCurrChar.Bind(this, CheckW);
-      break;
-    case cstUTF8:
-      BindDelimiters<char>();
-      SkipWhile.Bind(this, SkipU);
-      CheckCurrChar.Bind(this, CheckU);
-      break;
-    default:
-      BindDelimiters<char>();
-      SkipWhile.Bind(this, SkipA);
-      CheckCurrChar.Bind(this, CheckA);
-      break;
-  }
+  detail::TSourceForms<TZmXMLParser>::Bind(*this, Type);
 }
 
 String TZmXMLParser::CurrText() {
@@ -144,8 +92,8 @@ void TZmXMLParser::CheckValidNameStartChar() {
     throw EZmXMLParseError(_cZmXMLInvalidNameStartchar2, {CurrText()}, xecInvalidNameStartChar);
 }
 
-void TZmXMLParser::RaiseNotWellFormed(char16_t Expected) {
-  throw EZmXMLParseError(_cZmXMLNotWellFormed, {String(1, Expected), CurrText()}, xecNotWellFormed);
+void TZmXMLParser::RaiseNotWellFormed(StringView Expected) {
+  throw EZmXMLParseError(_cZmXMLNotWellFormed, {Expected, CurrText()}, xecNotWellFormed);
 }
 
 }  // namespace zm

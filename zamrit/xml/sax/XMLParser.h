@@ -45,9 +45,11 @@ class TZmXMLParser : public TZmTextParser {
   /// Raises EZmXMLParseError with code 3 where the current character cannot begin a local name.
   void CheckValidNameStartChar();
   /// Raises EZmXMLParseError with code 2: Expected should stand where the cursor is.
-  [[noreturn]] void RaiseNotWellFormed(char16_t Expected);
+  [[noreturn]] void RaiseNotWellFormed(StringView Expected);
 
  private:
+  friend class detail::TSourceForms<TZmXMLParser>;
+
   template <class U>
   void BindDelimiters();
   void ReadEncoding();

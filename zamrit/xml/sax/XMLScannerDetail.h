@@ -326,7 +326,7 @@ class TXMLScanner : private TWindowCursor<S> {
     SetCursor(p);
     if (endTag) {
       const StringView uri = URIOf(name);
-      if (p == End() || *p != U('>')) FParser.RaiseNotWellFormed(u'>');
+      if (p == End() || *p != U('>')) FParser.RaiseNotWellFormed(u">");
       EndElement(uri, name);
     } else {
       ++FDepth;
