@@ -1,9 +1,9 @@
 #include "zamrit/platform/Arena.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <mutex>
 #include <new>
-#include <utility>
 
 #if defined(__linux__)
 #include <sys/mman.h>
@@ -13,10 +13,9 @@ namespace zm {
 
 namespace {
 
-constexpr std::size_t cFirst = 512, cHuge = std::size_t{2} << 20, cHugeFrom = std::size_t{256} << 10;
-constexpr std::size_t cKept = std::size_t{64} << 20;
+constexpr std::size_t cFirst = 512, cKept = std::size_t{64} << 20;
 
-void FreeHuge(char* Memory) noexcept { ::operator delete (Memory, std::align_val_t{cHuge}); }
+std::size_t RoundUp(std::size_t Size, std::size_t To) { return (Size + To - 1) / To * To; }
 
 // Large blocks of arenas that are gone, up to a bound.
 class TKeptBlocks {
@@ -46,7 +45,7 @@ class TKeptBlocks {
 
   void Clear() noexcept {
     const std::lock_guard lock(FMutex);
-    while (FCount > 0) FreeHuge(FBlocks[--FCount].Memory);
+    while (FCount > 0) std::free(FBlocks[--FCount].Memory);
     FBytes = 0;
   }
 
@@ -67,10 +66,13 @@ TKeptBlocks& KeptBlocks() {
   return kept;
 }
 
+// The C library is asked itself: the aligned operator new looks up functions in all shared libraries when it is first
+// called.
 char* NewHuge(std::size_t& Size) {
-  Size = (Size + cHuge - 1) / cHuge * cHuge;
+  Size = RoundUp(Size, TArena::cHuge);
   if (char* const kept = KeptBlocks().Get(Size)) return kept;
-  char* const memory = static_cast<char*>(::operator new (Size, std::align_val_t{cHuge}));
+  char* const memory = static_cast<char*>(std::aligned_alloc(TArena::cHuge, Size));
+  if (!memory) throw std::bad_alloc();
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
   madvise(memory, Size, MADV_HUGEPAGE);
 #endif
@@ -78,7 +80,7 @@ char* NewHuge(std::size_t& Size) {
 }
 
 void GiveBackHuge(char* Memory, std::size_t Size) noexcept {
-  if (!KeptBlocks().Put(Memory, Size)) FreeHuge(Memory);
+  if (!KeptBlocks().Put(Memory, Size)) std::free(Memory);
 }
 
 }  // namespace
@@ -87,29 +89,27 @@ TArena::~TArena() {
   for (const TBlock& block : FBlocks) {
     if (block.Size >= cHuge)
       GiveBackHuge(block.Memory, block.Size);
-    else if (block.Size >= cPage)
-      ::operator delete (block.Memory, std::align_val_t{cPage});
     else
       ::operator delete(block.Memory);
   }
 }
 
-// Blocks of a page and more begin and end at the bounds of pages.
-void TArena::AddBlock(std::size_t Least) {
+void TArena::AddBlock(std::size_t Least, std::size_t Alignment) {
   FBlocks.reserve(FBlocks.size() + 1);
-  TBlock block{nullptr, std::max({Least, cFirst, FReserved < cHugeFrom ? FReserved : FReserved / 8})};
-  if (block.Size > cHugeFrom || FReserved >= cHugeFrom) {
+  const std::size_t growth = FReserved < FHugeFrom ? std::min(FReserved, FHugeFrom - FReserved) : FReserved / 8;
+  const std::size_t expected = FExpected > FReserved ? FExpected - FReserved : 0;
+  TBlock block{nullptr, RoundUp(std::max({Least, cFirst, growth, expected}), Alignment)};
+  std::size_t skipped = 0;
+  if (block.Size > FHugeFrom || FReserved >= FHugeFrom) {
     block.Memory = NewHuge(block.Size);
-  } else if (block.Size >= cPage) {
-    block.Size = (block.Size + cPage - 1) / cPage * cPage;
-    block.Memory = static_cast<char*>(::operator new (block.Size, std::align_val_t{cPage}));
   } else {
-    block.Size = (block.Size + 7) & ~std::size_t{7};
+    if (Alignment > alignof(std::max_align_t)) block.Size += Alignment - alignof(std::max_align_t);
     block.Memory = static_cast<char*>(::operator new(block.Size));
+    skipped = -reinterpret_cast<std::uintptr_t>(block.Memory) % Alignment;
   }
   FBlocks.push_back(block);
   FReserved += block.Size;
-  FLow = block.Memory;
+  FLow = block.Memory + skipped;
   FHigh = block.Memory + block.Size;
 }
 

@@ -24,20 +24,26 @@ TDOMName* MakeName(void* To, StringView Prefix, StringView LocalName) {
   if (!Prefix.empty()) *end++ = u':';
   end = std::copy(LocalName.begin(), LocalName.end(), end);
   const StringView qname(wide, static_cast<std::size_t>(end - wide));
-  const std::string narrow = ToUTF8(qname);
+  std::string narrow;
+  const bool surrogates = TDOMTree::Narrow(qname, narrow);
   char* const bytes = reinterpret_cast<char*>(end);
   std::copy(narrow.begin(), narrow.end(), bytes);
   const StringView prefix = qname.substr(0, Prefix.size()), local = qname.substr(qname.size() - LocalName.size());
   const bool declares = prefix.empty() ? SameText(local, u"xmlns") : SameText(prefix, u"xmlns");
-  return new (To)
-      TDOMName{prefix,  local,  qname, {bytes, narrow.size()}, IsASCII(qname), declares, SameText(qname, u"xml:space"),
-               nullptr, nullptr};
+  return new (To) TDOMName{prefix,
+                           local,
+                           qname,
+                           {bytes, narrow.size()},
+                           IsASCII(qname),
+                           declares,
+                           SameText(qname, u"xml:space"),
+                           surrogates ? TDOMName::cNotPlain : static_cast<std::uint32_t>(narrow.size())};
 }
 
 }  // namespace
 
 constexpr char cNothing[16] = {};
-const TDOMName cNoDOMName{{}, {}, {}, {cNothing}, true, false, false, nullptr, nullptr};
+const TDOMName cNoDOMName{{}, {}, {}, {cNothing}, true, false, false, 0};
 
 const TDOMName* TDOMTree::NewName(StringView Prefix, StringView LocalName) {
   return MakeName(::operator new(SizeOf(Prefix, LocalName)), Prefix, LocalName);
@@ -66,7 +72,7 @@ TDOMScope* TDOMHome::NewScope(TZmDOMElement* Owner) {
 }
 
 void TDOMHome::NextPage() {
-  FFree = static_cast<char*>(FArena.TakePage());
+  FFree = static_cast<char*>(FPages.TakePage());
   FPageEnd = FFree + TArena::cPage;
   *reinterpret_cast<TDOMHome**>(FFree) = this;
   FFree += sizeof(void*);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "zamrit/platform/Arena.h"
+#include "zamrit/platform/ScanDetail.h"
 #include "zamrit/xml/dom/Document.h"
 #include "zamrit/xml/dom/WatchDetail.h"
 
@@ -25,9 +26,13 @@ struct TDOMName {
   bool IsASCII;
   bool IsDeclaration;                ///< xmlns, or of the prefix xmlns, in any case
   bool IsSpace;                      ///< xml:space, in any case
+  std::uint32_t PlainSize;           ///< of UTF8; cNotPlain where lone surrogates are in it, three bytes each
   const TDOMScope* Scope = nullptr;  ///< where Namespace was sought last, in the load of that number
   TZmDOMAttribute* Namespace = nullptr;
   std::uint32_t Load = 0;
+
+  static constexpr std::uint32_t cNotPlain = ~std::uint32_t{0};
+  bool HasSurrogates() const { return PlainSize == cNotPlain; }
 };
 
 /// Where the attributes that declare namespaces are found: those of one element, above which others stand.
@@ -45,10 +50,38 @@ struct TDOMScope {
 
   void Clear() {
     Own.clear();
+    ByPrefix = nullptr;
+    ForgetSearches();
+  }
+  void ForgetSearches() {
     Found = nullptr;
     Missed.reset();
-    ByPrefix = nullptr;
   }
+  /// A declaration has come in front of all others or behind them, or is to be forgotten, which never fails.
+  void Add(TZmDOMAttribute* Declaration, bool InFront);
+  void Remove(const TZmDOMNode* Declaration) noexcept;
+  /// The same for ByPrefix alone: a declaration has got a name, or is about to lose it.
+  void NoteName(TZmDOMAttribute* Declaration) noexcept;
+  void ForgetName(const TZmDOMAttribute* Declaration) noexcept;
+};
+
+/// Long ways over children of other kinds, from one child of a kind to the next in the chain, so that none is gone
+/// twice. Nil is an end of the chain.
+class TDOMGaps {
+ public:
+  using TWays = std::unordered_map<const TZmDOMNode*, TZmDOMNode*>;
+
+  const TWays& Ways(bool Back) const { return Back ? FBefore : FBehind; }
+  void Note(TZmDOMNode* Left, TZmDOMNode* Right);
+  /// A child has come. Left and Right are those next to it, without a value where they are far.
+  void Came(TZmDOMNode* Node, std::optional<TZmDOMNode*> Left, std::optional<TZmDOMNode*> Right);
+  void Leaves(TZmDOMNode* Node, std::optional<TZmDOMNode*> Left, std::optional<TZmDOMNode*> Right);
+
+ private:
+  static bool Rename(TWays& From, TWays& To, TZmDOMNode* Old, TZmDOMNode* New);
+  static void Drop(TWays& From, TWays& To, TZmDOMNode* Node);
+
+  TWays FBehind, FBefore;
 };
 
 /// What only some nodes have.
@@ -64,6 +97,7 @@ struct TDOMExtra {
   std::unique_ptr<TZmDOMNodeList> ChildNodes, CharNodes;
   std::unique_ptr<TZmDOMElementList> Elements;
   std::unique_ptr<TZmDOMAttrList> Attributes, Namespaces;
+  std::unique_ptr<TDOMGaps> ElementGaps, AttributeGaps, CharacterGaps;
 };
 
 /// The memory of the nodes that a document has loaded, with their texts and names. It lives as long as the document or
@@ -96,7 +130,14 @@ class TDOMHome {
     if (Plain || FLiving == 0) delete this;
   }
 
-  TArena& Texts() { return FArena; }
+  TArena& Texts() { return FTexts; }
+  /// A source of Size bytes is going to be loaded. What needs a huge page in the end begins in one.
+  void Expect(std::size_t Size) {
+    constexpr std::size_t large = std::size_t{256} << 10;
+    if (Size < large) return;
+    FPages.Expect(2 * Size);
+    FTexts.Expect(Size / 4);
+  }
   /// The record of a name, the same for the same parts. It lives as long as the home.
   TDOMName* Intern(StringView Prefix, StringView LocalName);
   TDOMName* Intern(StringView QName);
@@ -117,7 +158,8 @@ class TDOMHome {
   char* FPageEnd = nullptr;
   std::size_t FLiving = 0;
   bool FHasDocument = true;
-  TArena FArena;  // pages of nodes, and texts
+  TArena FPages;  // of nodes
+  TArena FTexts;
   TArena FNameArena;
   std::unordered_multimap<std::size_t, TDOMName*> FNames;  // by hash
   std::deque<TDOMScope> FScopes;
@@ -246,9 +288,13 @@ class TDOMTree {
   /// The URI that an element or attribute holds itself.
   static String HeldURI(const TZmDOMNode* Node);
   static void HoldURI(TZmDOMNode* Node, StringView URI);
+  /// Whether it is one that was declared above, before the element or one above was moved.
+  static bool IsKept(const TZmDOMElement* Element);
   static void RefreshElement(TZmDOMElement* Element);
   static void RefreshScope(TZmDOMElement* Element, TDOMScope* Up);
   static void RefreshBelow(TZmDOMNode* Top);
+  /// The same as Following, for elements alone.
+  static TZmDOMNode* FollowingElement(const TZmDOMNode* Node, const TZmDOMNode* Top, bool Deep = true);
   static void DropScope(TZmDOMElement* Element);
   /// The declarations in force in an element, outer ones first.
   static void CollectNamespaces(TZmDOMElement* Element, std::vector<TZmDOMNode*>& Out);
@@ -256,8 +302,15 @@ class TDOMTree {
   /// A node, with all below it, is about to leave its document, and has come to one or to none.
   static void LeaveDocument(TZmDOMNode* Top, TZmDOMDocument* Document);
   static void EnterDocument(TZmDOMNode* Top, TZmDOMDocument* Document);
-  /// A declaration has come to an element, has gone from it or has got another name.
+  /// Declarations have come to an element, have gone from it or have got other names.
   static void DeclarationsChanged(TZmDOMNode* Node);
+  /// One has come to the chain, or has left it. Linear in the elements below, not in the declarations.
+  static void DeclarationCame(TZmDOMNode* Node, TZmDOMNode* Declaration);
+  static void DeclarationLeft(TZmDOMNode* Node, TZmDOMNode* Declaration);
+  /// Forgets a declaration that goes, where another cannot be sought for those who are linked to it.
+  static void CutLinksTo(const TZmDOMNode* Declaration, TZmDOMNode* Node) noexcept;
+  /// Links an element and those below anew, once its scope is right.
+  static void Relink(TZmDOMNode* Node);
   static void CutLink(TZmDOMElement* Element);
   /// Forgets a declaration of the element's own, which is about to go.
   static void CutLinkToOwn(TZmDOMElement* Element);
@@ -293,6 +346,16 @@ class TDOMTree {
   static TZmDOMNode* LastOfKind(const TZmDOMNode* Parent, TKind Kind);
   static TZmDOMNode* NextOfKind(const TZmDOMNode* Node, TKind Kind);
   static TZmDOMNode* PreviousOfKind(const TZmDOMNode* Node, TKind Kind);
+  /// The child of a kind that the chain has next to a child, or to an end of it where From is nil.
+  template <bool Back>
+  static TZmDOMNode* Beside(const TZmDOMNode* Parent, const TZmDOMNode* From, TKind Kind) {
+    TZmDOMNode* node = Back ? (From ? Previous(From) : Last(Parent)) : (From ? From->FNext : First(Parent));
+    for (int i = 0; i < cFar; ++i) {
+      if (!node || IsOfKind(node, Kind)) return node;
+      node = Back ? Previous(node) : node->FNext;
+    }
+    return BesideFar(Parent, From, node, Kind, Back);
+  }
   /// A child has come to the chain, or is about to leave it.
   static void ChildAdded(TZmDOMNode* Parent, TZmDOMNode* Node, TZmDOMNode* Ref, TZmDOMPosition Position);
   static void ChildLeaves(TZmDOMNode* Parent, TZmDOMNode* Node);
@@ -302,6 +365,8 @@ class TDOMTree {
   static void Destroy(TZmDOMNode* Node) noexcept;
   /// Frees a node that has left its parent, with all below it; what is held becomes loose.
   static void Dispose(TZmDOMNode* Node);
+  static void RunBeforeDestruction(TZmDOMNode* Node);
+  static void LetGo(TZmDOMNode* Parent, TZmDOMNode* Node, bool Held);
   /// Takes all children of a node that goes or is cleared.
   static void FreeChildren(TZmDOMNode* Top);
   /// Takes a node out of its parent, whatever it is, without freeing it. It does not know of that yet.
@@ -341,12 +406,26 @@ class TDOMTree {
   /// The children have gone without being destroyed.
   static void ForgetChildren(TZmDOMNode* Node);
   static void ClearLists(TZmDOMNode* Node);
+  /// The lists that show what the chain has must look again.
+  static void ForgetViews(TZmDOMNode* Node);
   static TZmDOMLoadState& LoadState(TZmDOMDocument* Document) { return Document->FLoadState; }
   static void NoteSchemaInstance(TZmDOMDocument* Document) { Document->FUseSchemaInstance = true; }
+  /// A child has come somewhere in front of others.
+  static void Rescan(TZmDOMDocument* Document) { Document->FScanned = nullptr; }
   static void SetRoot(TZmDOMDocument* Document, TZmDOMElement* Root) { Document->FRootNode = Root; }
 
  private:
+  static constexpr int cFar = 64;  // that many children are passed over as often as somebody asks
+
   static TZmDOMNode*& FirstOf(TZmDOMNode* Node) { return Node->HasFlag(dfExtra) ? Node->FExtra->First : Node->FFirst; }
+  ZM_NOINLINE static TZmDOMNode* BesideFar(const TZmDOMNode* Parent, const TZmDOMNode* From, TZmDOMNode* Node,
+                                           TKind Kind, bool Back);
+  static std::optional<TZmDOMNode*> Near(const TZmDOMNode* Node, TKind Kind, bool Back);
+  static std::unique_ptr<TDOMGaps>* Gaps(TDOMExtra* Extra, TKind Kind);
+  static void FillScope(const TZmDOMElement* Element, TDOMScope& Scope);
+  static void LinkToOwn(TZmDOMElement* Element, TZmDOMAttribute* Declaration);
+  static void KeepNamespace(TZmDOMElement* Element, const TZmDOMAttribute* Old, StringView Kept);
+  static void HoldOuter(TZmDOMElement* Element) noexcept;
 };
 
 }  // namespace zm::detail

@@ -107,6 +107,8 @@ void TTreeReader::InternalParse() {
 
 template <TStorage S>
 void TTreeReader::Build(TZmXMLParser& Parser) {
+  const TTextWindow& window = Parser.Window();
+  if (window.Stays()) FBuilder.Expect(static_cast<std::size_t>(window.End - window.Begin));
   TTreeSink<S> sink(FBuilder, Parser.Window(), FScratch->Texts);
   TXMLScanner<S, TTreeSink<S>> scanner(Parser, *FNamespaceList, FScratch->ElementNames, FScratch->AttributeNames, sink,
                                        FCheckSingleRootElm);

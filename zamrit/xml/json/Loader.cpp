@@ -188,6 +188,8 @@ class TTreeSink {
   void Bind() {
     FTree = &TJSONNodes::Tree(FTarget);
     FCurrent = TJSONNodes::Node(FTarget);
+    // Records and texts mostly take what the source does, or more.
+    if (FWindow.Stays()) FTree->Arena().Expect(static_cast<std::size_t>(FWindow.End - FWindow.Begin) / sizeof(Unit));
   }
 
   ZM_INLINE TJSONNode* Append(std::uint32_t Flags) {

@@ -55,8 +55,8 @@ TZmJSONMember* TJSONNodes::MemberOf(TJSONTree& Tree, TJSONNode* Node) {
 
 bool TJSONNodes::IsDerived(const TZmJSONBase& Object) {
   const std::type_info& type = typeid(Object);
-  return type != typeid(TZmJSONObject) && type != typeid(TZmJSONArray) && type != typeid(TZmJSONSimpleType) &&
-         type != typeid(TZmJSONMember) && type != typeid(TZmJSONDocument);
+  return type != typeid(TZmJSONDocument) && type != typeid(TZmJSONObject) && type != typeid(TZmJSONArray) &&
+         type != typeid(TZmJSONSimpleType) && type != typeid(TZmJSONMember);
 }
 
 TZmJSONBase* TJSONNodes::NewValue(TZmJSONBase* Owner, TZmJSONDataType DataType) {

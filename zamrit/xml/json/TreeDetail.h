@@ -180,7 +180,8 @@ class TJSONTree {
  private:
   ~TJSONTree() = default;
 
-  TArena FArena;
+  // Most documents are smaller than a huge page.
+  TArena FArena{std::size_t{1} << 20};
   TJSONNode* FFree[2] = {};
   TJSONNode* FResting[2] = {};
   TJSONExtra* FFreeExtras = nullptr;
