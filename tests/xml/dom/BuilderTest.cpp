@@ -98,6 +98,24 @@ TEST(DOMBuilder, WhatIsRefused) {
   }
 }
 
+TEST(DOMBuilder, ManyLoadsStayLinear) {
+  const auto document = Create<TZmDOMDocument>();
+  for (int i = 0; i < 30'000; ++i) document->LoadFromStream(StreamOf("<!--c--><?p?><a/>").get());
+  EXPECT_EQ(document->GetEncoding(), u"UTF-8");
+  document->LoadFromStream(StreamOf("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a/>").get());
+  document->ReCalcEncoding();
+  EXPECT_EQ(document->GetEncoding(), u"iso-8859-1");
+  document->AddChild(document->FindProcessingInstruction("XML"), document->FirstChild(), rdpAfter);
+  document->SetEncoding("UTF-16");
+  EXPECT_EQ(document->GetProcessingInstruction("xml"), u"version=\"1.0\" encoding=\"UTF-16\"");
+  document->FindProcessingInstruction("xml")->SetQualifiedName("q");
+  EXPECT_EQ(document->FindProcessingInstruction("xml"), nullptr);
+  document->FindProcessingInstruction("p")->SetQualifiedName("xml");
+  EXPECT_EQ(document->GetProcessingInstruction("xml"), u"");
+  document->RemoveChild(document->FindProcessingInstruction("xml"));
+  EXPECT_EQ(document->FindProcessingInstruction("xml"), nullptr);
+}
+
 TEST(DOMBuilder, FatalErrorEvent) {
   const auto document = Create<TZmDOMDocument>();
   std::string told;

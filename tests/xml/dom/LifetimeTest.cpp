@@ -325,6 +325,50 @@ TEST_F(DOMLifetime, QuickTrees) {
   EXPECT_EQ(ZmCreateDOM()->GetRootNode(), nullptr);
 }
 
+// Tells what it is told.
+std::string Told;
+class TWatcher : public TCounted {
+  ZM_OBJECT(TWatcher, TCounted)
+ public:
+  using TCounted::TCounted;
+  void BeforeDestruction() override {
+    Told += "(" + ToUTF8(GetQualifiedName()) + std::to_string(ElementCount());
+    TCounted::BeforeDestruction();
+    Told += ")" + std::to_string(ElementCount());
+  }
+  void RemoveChild(TZmDOMNode* Node) override {
+    Told += "-" + ToUTF8(Node->GetQualifiedName());
+    TCounted::RemoveChild(Node);
+  }
+  void SetDOMDocument(TZmDOMDocument* Document) override {
+    Told += ToUTF8(GetQualifiedName()) + (Document ? "+" : "0");
+    TCounted::SetDOMDocument(Document);
+    EXPECT_EQ(GetDOMDocument(), Document);
+  }
+};
+
+TEST_F(DOMLifetime, ClassesOfAnApplicationAreTold) {
+  const auto document = Loaded("<r><a/></r>");
+  TZmDOMElement* const a = document->GetRootNode()->FirstElement();
+  auto* const w = a->AddElement("p")->AppendChild(Create<TWatcher>("w"));
+  w->AddElement("x")->AppendChild(Create<TWatcher>("v"))->SetAttribute("y", "");
+  const auto held = Supports<IZmDOMElement>(w->AddElement("h"));
+  TZmDOMDocument other("o");
+  Told.clear();
+  other.GetRootNode()->AppendChild(a);
+  EXPECT_EQ(Told, "w+v+");
+  const auto loose = Supports<IZmDOMElement>(a);
+  other.GetRootNode()->RemoveChild(a);
+  EXPECT_EQ(Told, "w+v+w0v0");
+  Told.clear();
+  w->Free();
+  EXPECT_EQ(Told, "(w2-h(v0-y)0-x)0") << "children go when their parent has been told, and it hears of each";
+  EXPECT_FALSE(held->ParentNode());
+  Told.clear();
+  TZmDOMElement* deep = document->GetRootNode();
+  for (int i = 0; i < 100'000; ++i) deep = deep->AppendChild(Create<TCounted>("d"));
+}
+
 TEST_F(DOMLifetime, AHeldNodeMovesWhenItWasAllThatHeldItsTree) {
   TZmIntf<IZmDOMNode> held;
   const auto to = Loaded("<s/>");

@@ -100,6 +100,30 @@ const TCase cCases[] = {
      "a{}(b{} p:c{u}(p:d{u}))", "<a><b xmlns:p=\"u\" /><p:c xmlns:p=\"u\"><p:d /></p:c></a>"},
     {"<a xmlns:p='u'><p:b/><c xmlns:p='v'/></a>", [](TZmDOMElement& r) { At(r, 1)->AppendChild(At(r, 0)); },
      "a{}(c{}(p:b{u}))", "<a xmlns:p=\"u\"><c xmlns:p=\"v\"><p:b xmlns:p=\"u\" /></c></a>"},
+    {"<a><x xmlns:p='u' xmlns:q='w'><b><p:c><q:d/></p:c><p:e/></b></x></a>",
+     [](TZmDOMElement& r) { r.AppendChild(At(r, 0, 0)); }, "a{}(x{} b{}(p:c{u}(q:d{w}) p:e{u}))",
+     "<a><x xmlns:p=\"u\" xmlns:q=\"w\" /><b><p:c xmlns:p=\"u\"><q:d xmlns:q=\"w\" /></p:c><p:e xmlns:p=\"u\" "
+     "/></b></a>"},
+    {"<a><x xmlns='d' xmlns:p='u'><p:b><c/></p:b></x></a>",
+     [](TZmDOMElement& r) {
+       const auto held = Supports<IZmDOMElement>(At(r, 0, 0)), below = held->FirstElement();
+       At(r, 0)->RemoveChild(At(r, 0, 0));
+       EXPECT_EQ(below->GetNamespaceURI(), u"d");
+       r.AppendChild(TZmDOMObjectImpl::Node(held.Get()));
+     },
+     "a{}(x{d} p:b{u}(c{d}))", "<a><x xmlns=\"d\" xmlns:p=\"u\" /><p:b xmlns:p=\"u\"><c xmlns=\"d\" /></p:b></a>"},
+    {"<a xmlns:p='v'><x xmlns:p='u'><b><p:c/></b></x></a>", [](TZmDOMElement& r) { r.AppendChild(At(r, 0, 0)); },
+     "a{}(x{} b{}(p:c{v}))"},  // by its prefix, where that is declared
+    {"<a><x xmlns:p='u'><b><p:c/></b></x></a>",
+     [](TZmDOMElement& r) {
+       TZmDOMElement* const b = At(r, 0, 0);
+       TZmDOMDocument other("o");
+       other.GetRootNode()->AppendChild(b);
+       EXPECT_EQ(Names(*other.GetRootNode()), "o{}(b{}(p:c{u}))");
+       r.AppendChild(b);
+       At(r, 1, 0)->RemoveAttribute("xmlns:p");
+     },
+     "a{}(x{} b{}(p:c{}))", "<a><x xmlns:p=\"u\" /><b><p:c /></b></a>"},
     {"<a><b/><c xmlns='v'/></a>",
      [](TZmDOMElement& r) {
        const auto held = Supports<IZmDOMElement>(At(r, 0));
@@ -221,6 +245,17 @@ TEST(DOMNamespaces, ManyDeclarationsStayLinear) {
   EXPECT_EQ(document->GetRootNode()->LastElement()->GetNamespaceURI(), u"u99999");
   EXPECT_EQ(document->GetRootNode()->LastElement()->Namespaces().Count(), many);
 
+  const auto made = Loaded("<r><p7:e/></r>");
+  TZmDOMElement& root = *made->GetRootNode();
+  for (int i = 0; i < many; ++i) root.AddAttribute("xmlns:P" + std::to_string(i))->SetNodeValue(std::to_string(i));
+  EXPECT_EQ(root.FirstElement()->GetNamespaceURI(), u"7");
+  for (int i = 0; i < 5; ++i) root.AddElement(std::to_string(i), "p" + std::to_string(i) + ":e");
+  EXPECT_EQ(root.LastElement()->GetNamespace()->GetQualifiedName(), u"xmlns:P4");
+  root.FirstElement()->SetPrefix("P5");
+  for (TZmDOMAttribute* a = root.LastAttribute(); a != root.FirstAttribute(); a = root.LastAttribute())
+    root.RemoveChild(a);
+  EXPECT_EQ(Names(root).substr(0, 20), "r{}(P5:e{} p0:e{0} p");
+
   // Two prefixes in turn, and a declaration at every level.
   text = "<r xmlns:p='u' xmlns:q='v'>";
   for (int i = 0; i < many; ++i) text += std::string(i % 2 ? "<p" : "<q") + ":e xmlns:n" + std::to_string(i) + "='u'>";
@@ -232,3 +267,31 @@ TEST(DOMNamespaces, ManyDeclarationsStayLinear) {
 }
 
 }  // namespace
+
+// Deep chains of declarations are searched by prefix while they load.
+TEST(DOMNamespaces, ManyLevelsDeclare) {
+  constexpr int deep = 20000;
+  const auto name = [](int i) { return "p" + std::to_string(i); };
+  std::string text;
+  for (int i = 0; i < deep; ++i) {
+    const std::string prefix = i % 3 == 0 ? "q" + std::to_string(i) : i % 3 == 1 ? name(i / 2) : "P0";
+    text +=
+        '<' + prefix + ":a xmlns:" + name(i) + "='u" + std::to_string(i) + "' xmlns:p0='v" + std::to_string(i) + "'>";
+  }
+  text += "<p0:b/><p7:b/><q:b/>";
+  for (int i = deep; i-- > 0;) {
+    const std::string prefix = i % 3 == 0 ? "q" + std::to_string(i) : i % 3 == 1 ? name(i / 2) : "P0";
+    text += "</" + prefix + ":a>";
+  }
+  const auto document = Create<TZmDOMDocument>();
+  document->LoadFromXML(std::string_view(text));
+  TZmDOMElement* element = document->GetRootNode();
+  for (int i = 0; i < deep; i += i < 100 ? 1 : 997) {
+    const std::string uri = i % 3 == 0   ? ""
+                            : i % 3 == 2 ? "v" + std::to_string(i)
+                            : i / 2 == 0 ? "v" + std::to_string(i)
+                                         : "u" + std::to_string(i / 2);
+    EXPECT_EQ(ToUTF8(element->GetNamespaceURI()), uri) << i;
+    for (int step = i < 100 ? 1 : 997; step > 0 && i + step < deep; --step) element = element->FirstElement();
+  }
+}

@@ -305,6 +305,54 @@ TEST(DOMNodes, ManySiblingsStayLinear) {
   for (int i = 0; i < cMany; ++i) root.RemoveChild(root.AddElement("e"));
 }
 
+/// The elements and texts of a node by the steps of the node, forward and back, and by its children alone.
+void ExpectSteps(TZmDOMElement& Parent) {
+  std::vector<TZmDOMElement*> elements, walked, back;
+  for (TZmDOMNode* node : Parent.Children())
+    if (node->GetNodeType() == ntElement) elements.push_back(static_cast<TZmDOMElement*>(node));
+  for (TZmDOMElement* e = Parent.FirstElement(); e; e = e->NextElement()) walked.push_back(e);
+  for (TZmDOMElement* e = Parent.LastElement(); e; e = e->PreviousElement()) back.insert(back.begin(), e);
+  ASSERT_EQ(walked, elements);
+  ASSERT_EQ(back, elements);
+}
+
+TEST(DOMNodes, LongWaysAreNotGoneTwice) {
+  const auto document = Create<TZmDOMDocument>("r");
+  TZmDOMElement& root = *document->GetRootNode();
+  unsigned seed = 1;
+  const auto random = [&](unsigned below) { return (seed = seed * 1103515245 + 12345) / 65536 % below; };
+  for (int i = 0; i < 300; ++i) root.AddComment("c");
+  for (int i = 0; i < 2000; ++i) {
+    std::vector<TZmDOMElement*> elements;
+    for (TZmDOMElement* e : root.ChildElements()) elements.push_back(e);
+    TZmDOMElement* const any = elements.empty() ? nullptr : elements[random(static_cast<unsigned>(elements.size()))];
+    const auto position = static_cast<TZmDOMPosition>(random(4));
+    if (any && random(elements.size() > 6 ? 2 : 5) == 0)
+      root.RemoveChild(any);
+    else if (any && random(4) == 0)
+      root.AddChild(any, elements[random(static_cast<unsigned>(elements.size()))], position);
+    else
+      root.InsertElement("e", position, any);
+    if (random(2) == 0) root.InsertText("t", position, root.LastElement());
+    ASSERT_NO_FATAL_FAILURE(ExpectSteps(root)) << i;
+  }
+
+  root.Clear();
+  TZmDOMElement* const first = root.AddElement("e");
+  for (int i = 0; i < cMany; ++i) root.AddText("t");
+  TZmDOMElement* const last = root.AddElement("e");
+  for (int i = 0; i < cMany; ++i) root.AddComment("c");
+  root.RemoveChild(root.AddAttribute("a"));
+  for (int i = 0; i < cMany; ++i) {
+    ASSERT_EQ(first->NextElement(), last);
+    ASSERT_EQ(last->PreviousElement(), first);
+    ASSERT_EQ(root.LastElement(), last);
+    ASSERT_FALSE(root.HasAttributes());
+  }
+  root.RemoveChild(first);
+  for (int i = 0; i < cMany; ++i) ASSERT_EQ(root.FirstElement(), last);
+}
+
 TEST(DOMNodes, EveryAllocationMayFail) {
   static constexpr void (*edits[])(TZmDOMDocument&) = {
       [](TZmDOMDocument& d) { d.LoadFromXML(std::string_view("<a xmlns='u' x='&lt;'>t<!--c--><b>\xC3\xA9</b></a>")); },
@@ -338,6 +386,27 @@ TEST(DOMNodes, EveryAllocationMayFail) {
       [](TZmDOMDocument& d) { d.GetFormattedXML(); },
       [](TZmDOMDocument& d) { d.GetRootNode()->ChildNodes().Add(d.GetRootNode()->FirstElement(), rdpLast); },
       [](TZmDOMDocument& d) { d.GetRootNode()->Namespaces().Count(); },
+      [](TZmDOMDocument& d) { d.GetRootNode()->RemoveAttribute("xmlns:p"); },
+      [](TZmDOMDocument& d) { d.GetRootNode()->FirstAttribute()->SetQualifiedName("xmlns:quite-a-long-name"); },
+      [](TZmDOMDocument& d) { d.GetRootNode()->FirstElement()->AppendChild(d.GetRootNode()->FirstAttribute()); },
+      [](TZmDOMDocument& d) { d.GetRootNode()->LastChild()->ParentNode()->SetNodeValue("a value that is long"); },
+      [](TZmDOMDocument& d) {
+        TZmDOMElement& root = *d.GetRootNode();
+        root.ChildNodes().Count();
+        root.Elements().Delete(root.LastElement());
+        root.InsertElement("n", rdpBefore, root.FirstElement());
+        root.AddElement("n");
+        root.RemoveChild(root.FirstElement());
+      },
+      [](TZmDOMDocument& d) {  // with declarations that are left behind
+        TZmDOMDocument other("o");
+        other.GetRootNode()->AppendChild(d.GetRootNode()->AddElement("x")->AddElement("y"));
+        d.GetRootNode()->LastElement()->AppendChild(d.GetRootNode()->FirstElement());
+        other.GetRootNode()->AppendChild(d.GetRootNode()->LastElement());
+      },
+      [](TZmDOMDocument& d) { d.CreateNodeList("//* | //@x")->GetItem(0); },
+      [](TZmDOMDocument& d) { d.SelectSingleElement("p:a/n/m", {soCreate})->SetAsInteger(7); },
+      [](TZmDOMDocument& d) { d.SetEncoding("windows-1252"); },
   };
   for (const auto& edit : edits) {
     SCOPED_TRACE(&edit - edits);
@@ -355,6 +424,12 @@ TEST(DOMNodes, EveryAllocationMayFail) {
       AllocationsUntilFailure = -1;
       if (failed && failures < n) ++failures;  // done without what could not be had
       document->GetXML();
+      for (TZmDOMElement* e = document->GetRootNode(); e;
+           e = e->FirstElement() ? e->FirstElement() : e->NextElement()) {
+        e->GetNamespaceURI();
+        EXPECT_GE(e->ChildNodes().Count(), e->Elements().Count());
+        Names(e->ChildNodes());
+      }
       if (document->GetRootNode()) document->GetRootNode()->AddElement("fresh")->GetNamespaceURI();
       document->RefreshNamespaces();
       document->LoadFromXML(std::string_view("<ok/>"));

@@ -110,6 +110,10 @@ TEST(DOMWriterTest, WritesLoneSurrogates) {
   document->GetRootNode()->AddText(lone);
   EXPECT_EQ(u"<a>x\xD800y</a>"sv, document->GetXML());
   EXPECT_EQ("<a>x\xEF\xBF\xBDy</a>", Saved(*document));
+  document->GetRootNode()->SetQualifiedName(lone);
+  document->GetRootNode()->SetAttribute(lone, lone);
+  EXPECT_EQ(u"<x\xD800y x\xD800y=\"x\xD800y\">x\xD800y</x\xD800y>"sv, document->GetXML());
+  EXPECT_EQ(u"<x\uFFFDy x\uFFFDy=\"x\uFFFDy\">x\uFFFDy</x\uFFFDy>"sv, FromUTF8(Saved(*document)));
 }
 
 // Texts of all sizes around the block, in characters of two bytes, so that blocks end within one.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 
 #include "zamrit/platform/ScopeDetail.h"
@@ -100,10 +101,15 @@ void TTreeBuilder::PlaceElement(TZmDOMElement* Element) {
 }
 
 void TTreeBuilder::LinkNamespace(TZmDOMElement* Element) {
+  constexpr std::size_t many = 32;
+  if (FDeclaring.size() >= many) [[unlikely]]
+    FindAhead(TDOMTree::Name(Element));
   if (TDOMTree::Has(Element, dfDeclares)) [[unlikely]] {
     TDOMTree::RefreshElement(Element);
     const String uri = TDOMTree::HeldURI(Element);
     if (!uri.empty()) Element->SetNamespaceURI(uri);
+    if (FByPrefix) OpenDeclarations(Element);
+    FDeclaring.push_back(Element);
     return;
   }
   TDOMScope* const scope = TDOMTree::ScopeOf(FCurrent);
@@ -121,6 +127,59 @@ void TTreeBuilder::LinkNamespace(TZmDOMElement* Element) {
   TDOMTree::Namespace(Element) = name.Namespace;
 }
 
+namespace {
+
+bool IsASCII(StringView Text) {
+  return std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; });
+}
+
+/// Gives the prefix that each declaration of an element declares.
+template <class F>
+void EachDeclared(const TZmDOMElement* Element, F Use) {
+  for (TZmDOMAttribute& attribute : TDOMTree::AttributesOf(const_cast<TZmDOMElement*>(Element)))
+    if (TDOMTree::Has(&attribute, dfDeclaration))
+      Use(attribute, attribute.GetPrefix().empty() ? StringView() : attribute.GetLocalName());
+}
+
+}  // namespace
+
+/// Leaves what a search for the prefix from the current element on would find where it will look first.
+void TTreeBuilder::FindAhead(const TDOMName& Name) {
+  TDOMScope* const scope = TDOMTree::ScopeOf(FCurrent);
+  if (!FByPrefix) {
+    FByPrefix.emplace();
+    for (const TZmDOMElement* const element : FDeclaring) OpenDeclarations(element);
+  }
+  if (!scope || !Name.IsASCII || FNotPlain > 0 || !FDocument->GetCollation()->IsBuiltIn()) return;
+  const auto found = FByPrefix->find(FDocument->GetCaseSensitive() ? String(Name.Prefix) : LowerCase(Name.Prefix));
+  const bool isBelow = found != FByPrefix->end() && !found->second.empty();
+  if (TZmDOMAttribute* const declaration =
+          isBelow ? found->second.back() : TDOMTree::FindPrefix(TDOMTree::ScopeOf(FTarget), Name.Prefix))
+    scope->Found = declaration;
+  else
+    scope->Missed = Name.Prefix;
+}
+
+void TTreeBuilder::OpenDeclarations(const TZmDOMElement* Element) {
+  const bool sensitive = FDocument->GetCaseSensitive();
+  EachDeclared(Element, [&](TZmDOMAttribute& declaration, StringView prefix) {
+    FNotPlain += !IsASCII(prefix);
+    (*FByPrefix)[sensitive ? String(prefix) : LowerCase(prefix)].push_back(&declaration);
+  });
+}
+
+void TTreeBuilder::CloseDeclarations() {
+  const TZmDOMElement* const element = FDeclaring.back();
+  FDeclaring.pop_back();
+  if (!FByPrefix) return;
+  const bool sensitive = FDocument->GetCaseSensitive();
+  EachDeclared(element, [&](TZmDOMAttribute&, StringView prefix) {
+    FNotPlain -= !IsASCII(prefix);
+    std::vector<TZmDOMAttribute*>& declarations = (*FByPrefix)[sensitive ? String(prefix) : LowerCase(prefix)];
+    if (!declarations.empty()) declarations.pop_back();
+  });
+}
+
 void TTreeBuilder::NoteSchema(TZmDOMElement* Element) {
   for (TZmDOMAttribute& attribute : TDOMTree::AttributesOf(Element))
     if (SameText(TDOMTree::Text(&attribute), cZmSchemaInstanceURI) && FDocument)
@@ -129,6 +188,8 @@ void TTreeBuilder::NoteSchema(TZmDOMElement* Element) {
 
 void TTreeBuilder::EndElement() {
   if (!FCurrent) RaiseNoPlace(u"EndElement");
+  if (!FDeclaring.empty() && FDeclaring.back() == FCurrent) [[unlikely]]
+    CloseDeclarations();
   FCurrent = FCurrent->ParentNode();
 }
 

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "zamrit/platform/Components.h"
 #include "zamrit/platform/ScanDetail.h"
@@ -23,6 +26,10 @@ class TTreeBuilder {
   TZmDOMNode* Current() const { return FCurrent; }
   /// Where texts may be put, nil where they go to the heap.
   TArena* Texts() const { return FArena ? &FArena->Texts() : nullptr; }
+  /// A source of Size bytes is going to come.
+  void Expect(std::size_t Size) {
+    if (FArena) FArena->Expect(Size);
+  }
 
   /// Names are made once for all nodes that bear them, where the target has a document.
   TDOMName* NameOf(StringView QName) { return FNames ? FNames->Intern(QName) : nullptr; }
@@ -96,6 +103,9 @@ class TTreeBuilder {
   TZmDOMNode* AddOtherText(TZmDOMNodeType Type);
   void NoteAttribute(TZmDOMAttribute* Attribute, const TDOMName& Name);
   void LinkNamespace(TZmDOMElement* Element);
+  void FindAhead(const TDOMName& Name);
+  void OpenDeclarations(const TZmDOMElement* Element);
+  void CloseDeclarations();
   void PlaceElement(TZmDOMElement* Element);
   void NoteSchema(TZmDOMElement* Element);
   [[noreturn]] static void RaiseTooLong();
@@ -113,6 +123,11 @@ class TTreeBuilder {
   TDOMHome* FArena = nullptr;
   bool FHasSpace = false;  // the pending element has an attribute xml:space
   const bool FTargetDerived;
+  // The elements up to the current one that declare namespaces. Where there are many, so that it would take long to
+  // look through them, their declarations are found by prefix, the innermost last.
+  std::vector<TZmDOMElement*> FDeclaring;
+  std::optional<std::unordered_map<String, std::vector<TZmDOMAttribute*>>> FByPrefix;
+  int FNotPlain = 0;  // so many of those are not ASCII, and found by the collation alone
 };
 
 /// The handlers that build the tree from events.

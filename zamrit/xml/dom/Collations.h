@@ -4,18 +4,20 @@
 
 namespace zm {
 
-/// How texts compare: a class of operations, of which there are no objects. Three-way comparison goes by the root
-/// collation of Unicode, the same everywhere; two ASCII texts are equal exactly when their characters are.
+/// How texts compare: a class of operations, of which there are no objects. Those of the library compare by the root
+/// collation of Unicode, the same everywhere; two ASCII texts are equal there exactly when their characters are. An
+/// application may add its own: names and values compare by them, but names within predicates by code points.
 class TZmXPathCollation {
  public:
   /// -1, 0 or 1.
   virtual int Compare(StringView A, StringView B) const = 0;
-  /// The place of the first SubStr in Str, from 1; 0 where there is none, or where SubStr is empty.
+  /// The place of the first SubStr in Str, from 1; 0 where there is none, or where SubStr is empty. Linear in both.
   virtual int Pos(StringView SubStr, StringView Str) const = 0;
-  /// Whether Compare gives 0. Costs no more than a comparison of bytes where both texts are ASCII.
+  /// Whether Compare gives 0. Under the classes of the library it costs no more than a comparison of characters where
+  /// both texts are ASCII.
   bool SameText(StringView A, StringView B) const;
-  /// Whether case does not matter.
-  virtual bool IgnoresCase() const = 0;
+  /// Whether it is one of the two classes of the library.
+  bool IsBuiltIn() const;
 
   TZmXPathCollation(const TZmXPathCollation&) = delete;
   TZmXPathCollation& operator=(const TZmXPathCollation&) = delete;

@@ -114,6 +114,10 @@ enum TDOMFlags : std::uint32_t {
   dfOwnScope = 1u << 21,        ///< an element whose scope is its own
   dfListed = 1u << 22,          ///< in the list of its kind, where that has departed from the chain
   dfListedAll = 1u << 23,       ///< in the list of all children, where that has departed
+  dfHasDerived = 1u << 24,      ///< a node of an application's own class has been put among the children
+  dfMoving = 1u << 25,          ///< getting another parent, itself and not one above
+  dfDeclaring = 1u << 26,       ///< getting a declaration in a walk that goes on to what is below
+  dfEntering = 1u << 27,        ///< told of another document by the walk that does what there is to do
 };
 
 struct TDOMExtra;
@@ -145,10 +149,17 @@ class TZmDOMObject : public TObject {
   virtual bool GetCaseSensitive() const;
   /// The document's collation, or the default one.
   virtual TZmXPathCollationClass GetCollation() const;
+  /// soLocalName or soQualifiedName: the document's, or the default one.
   virtual TZmDOMSelectMatchOption GetSelectMatchOption() const;
+  /// \name Told to the object by what it belongs to; for an application to override, not to call
+  ///@{
+  /// The companion that it has from here on, nil for none.
   virtual void SetDOMImpl(TZmDOMObjectImpl* Impl) = 0;
+  /// The document that it has come to, nil for none.
   virtual void SetDOMDocument(TZmDOMDocument* Document) = 0;
+  /// The object above it from here on, nil for none. Does not put it among the children of that.
   virtual void SetParentNode(TZmDOMObject* Parent);
+  ///@}
 
   /// Ends the object. While a handle on this very object is out it raises Exception "An instance of %s is destroyed
   /// while it's refcount is not 0!" and the object lives on.

@@ -54,6 +54,7 @@ void TZmDOMDocument::Clear() {
   else
     TZmDOMNode::Clear();
   FRootNode = nullptr;
+  FScanned = nullptr;
   if (IsDestroying() || FHome->Loading || (FHome->IsEmpty() && FPlain)) return;
   auto* const home = new detail::TDOMHome;
   std::exchange(FHome, home)->DocumentGone(plain);
@@ -142,6 +143,7 @@ void TZmDOMDocument::LoadText(TStream* Stream, std::uint16_t CodePage) {
 }
 
 void TZmDOMDocument::LoadFromXML(StringView XML) {
+  const detail::TDOMKeep keep(this);
   Clear();
   if (XML.empty()) return;
   const auto stream = Create<TZmStringStream>(cZmBorrow, XML);
@@ -149,6 +151,7 @@ void TZmDOMDocument::LoadFromXML(StringView XML) {
 }
 
 void TZmDOMDocument::LoadFromXML(std::string_view XML) {
+  const detail::TDOMKeep keep(this);
   Clear();
   if (XML.empty()) return;
   const auto stream = Create<TZmStringStream>(cZmBorrow, XML, std::uint16_t{0});

@@ -1,6 +1,7 @@
 #include "zamrit/xml/dom/Element.h"
 
 #include "zamrit/common/TextStreams.h"
+#include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/xml/dom/TreeDetail.h"
 
 namespace zm {
@@ -184,22 +185,26 @@ void TZmDOMElement::SetNamespaceURI(const TZmAnyText& URI) {
   TZmDOMAttribute* const found = TDOMTree::FindNamespaceURI(this, uri);
   const bool prefixed = !GetPrefix().empty();
   if (found ? prefixed == found->GetPrefix().empty() : HasFlag(detail::dfNamespaceSet)) {
-    const String name = prefixed ? u"xmlns:" + String(GetPrefix()) : String(u"xmlns");
-    TZmDOMAttribute* declaration = FindAttribute(name, {soQualifiedName});
-    if (!declaration) declaration = AddAttribute(name);
-    declaration->SetNodeValue(uri);
-    FNamespace = declaration;
-    TDOMTree::HoldURI(this, {});
-    SetFlag(detail::dfNamespaceSet, false);
-    if (FScope) TDOMTree::DeclarationsChanged(this);
+    DeclareNamespace(uri);
+    if (FScope) TDOMTree::Relink(this);
   } else if (found) {
     FNamespace = found;
   }
 }
 
+void TZmDOMElement::DeclareNamespace(StringView URI) {
+  const String name = GetPrefix().empty() ? String(u"xmlns") : u"xmlns:" + String(GetPrefix());
+  TZmDOMAttribute* declaration = FindAttribute(name, {soQualifiedName});
+  if (!declaration) declaration = AddAttribute(name);
+  declaration->SetNodeValue(URI);
+  FNamespace = declaration;
+  TDOMTree::HoldURI(this, {});
+  SetFlag(detail::dfNamespaceSet, false);
+}
+
 String TZmDOMElement::GetNamespaceURI() const {
   if (FNamespace) return FNamespace->GetNodeValue();
-  return FParent ? String() : TDOMTree::HeldURI(this);
+  return FParent && !TDOMTree::IsKept(this) ? String() : TDOMTree::HeldURI(this);
 }
 
 void TZmDOMElement::SetPrefix(const TZmAnyText& Prefix) {
@@ -227,7 +232,11 @@ void TZmDOMElement::SetParentNode(TZmDOMObject* Parent) {
       SetFlag(detail::dfNamespaceSet);
     }
   }
-  TZmDOMNode::SetParentNode(Parent);
+  {
+    SetFlag(detail::dfMoving);
+    const detail::TFinally moved([this] { SetFlag(detail::dfMoving, false); });
+    TZmDOMNode::SetParentNode(Parent);
+  }
   if (IsDestroying()) return;
   if (Parent && Parent != from) {
     const String uri = TDOMTree::HeldURI(this);
@@ -302,6 +311,7 @@ void TZmDOMElement::SetNodeValue(const TZmAnyText& Value) { SetNodeValueEx(Value
 
 void TZmDOMElement::SetNodeValueEx(const TZmAnyText& Value, bool AsCDATA) {
   const String text = Value.Text();
+  const detail::TDOMKeep keep(this);
   for (TZmDOMNode *node = TDOMTree::LastOfKind(this, TKind::Characters), *previous; node; node = previous) {
     previous = TDOMTree::PreviousOfKind(node, TKind::Characters);
     RemoveChild(node);
@@ -329,6 +339,7 @@ void RemoveContent(TZmDOMElement& Element) {
 void TZmDOMElement::SetInnerXML(const TZmAnyText& XML) {
   const StringView start = u"<x>", end = u"</x>";
   const String xml = XML.Text();
+  const detail::TDOMKeep keep(this);
   RemoveContent(*this);
   if (xml.empty()) return;
   const auto stream = Create<TZmStringStream>(String(start).append(xml).append(end));
@@ -349,11 +360,13 @@ void TZmDOMElement::SetInnerXML(const TZmAnyText& XML) {
 
 void TZmDOMElement::SetNodeValueEx(const TZmAnyText& Value) {
   const String text = Value.Text();
+  const detail::TDOMKeep keep(this);
   RemoveContent(*this);
   if (!text.empty()) AddText(text);
 }
 
 void TZmDOMElement::NormalizeTextNodes() {
+  const detail::TDOMKeep keep(this);
   for (TZmDOMNode* node = TDOMTree::Following(this, this); node;) {
     TZmDOMNode* next = TDOMTree::Following(node, this);
     if (node->GetNodeType() == ntText) {

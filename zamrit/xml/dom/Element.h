@@ -207,6 +207,8 @@ class TZmDOMElement : public detail::TDOMNamedNode {
   void _SetPreseveSpace(bool Value);
 
  private:
+  void DeclareNamespace(StringView URI);
+
   detail::TDOMScope* FScope = nullptr;  // the declarations in force, nil without a document
   TZmDOMAttribute* FNamespace = nullptr;
 };

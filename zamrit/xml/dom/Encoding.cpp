@@ -51,9 +51,13 @@ void TZmDOMDocument::ReCalcEncoding() {
 
 TZmDOMProcessingInstruction* TZmDOMDocument::FindProcessingInstruction(const TZmAnyText& Target) const {
   const String target = Target.Text();
-  for (TZmDOMNode* node = FirstChild(); node; node = node->NextSibling())
+  const bool declaration = SameText(target, u"xml") && !HasFlag(detail::dfOwnLists);
+  for (TZmDOMNode* node = declaration && FScanned ? FScanned->NextSibling() : FirstChild(); node;
+       node = node->NextSibling()) {
     if (node->GetNodeType() == ntProcessingInstruction && SameText(node->GetQualifiedName(), target))
       return static_cast<TZmDOMProcessingInstruction*>(node);
+    if (declaration) FScanned = node;
+  }
   return nullptr;
 }
 

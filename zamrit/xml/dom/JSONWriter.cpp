@@ -32,7 +32,7 @@ bool IsShown(const TZmDOMAttribute* Attribute) {
 class TChildNames {
  public:
   explicit TChildNames(const TZmDOMElement* Element)
-      : FElement(Element), FFolded(Element->GetCollation()->IgnoresCase()) {}
+      : FElement(Element), FFolded(Element->GetCollation() == TZmXPathCollationASCIICI) {}
 
   bool Has(StringView Name) {
     if (!FFilled) Fill();
@@ -178,7 +178,7 @@ void TJSONTreeWriter::PutName(const TZmDOMElement* Element) {
   const TDOMName& name = TDOMTree::Name(Element);
   FOut.PutMark("\"");
   if (name.Prefix.empty() && name.UTF8.find('.') == std::string_view::npos)
-    FOut.Put(name.UTF8);
+    FOut.Put(name.UTF8, name.HasSurrogates());
   else
     FOut.Put(StringView(JSONName(name.LocalName)));
   FOut.PutMark("\": ");

@@ -27,7 +27,7 @@ inline std::pair<StringView, StringView> SplitName(StringView Name) {
   return {Name.substr(0, colon), Name.substr(colon + 1)};
 }
 
-/// A text that others are compared with under a collation. Where both are ASCII the collation is not asked.
+/// A text that others are compared with under a collation. Where both are ASCII one of the library is not asked.
 class TTextTest {
  public:
   TTextTest(StringView Text, TZmXPathCollationClass Collation);
@@ -35,16 +35,16 @@ class TTextTest {
   bool Matches(StringView Text, bool IsASCII) const {
     if (!IsASCII || !FIsASCII) return FCollation->SameText(Text, FText);
     if (Text.size() != FText.size()) return false;
-    return FFolded.empty() ? Text == FText : MatchesFolded(Text);
+    return FIsFolded ? MatchesFolded(Text) : Text == FText;
   }
 
  private:
   bool MatchesFolded(StringView Text) const;
 
   String FText;
-  String FFolded;  // in lower case; empty where case matters
   TZmXPathCollationClass FCollation;
-  bool FIsASCII;
+  bool FIsASCII;   // and may be compared as such
+  bool FIsFolded;  // to lower case, as case does not matter
 };
 
 /// The names that a step or a lookup asks for. It remembers which records of names it has seen, so that a node costs
@@ -54,10 +54,11 @@ class TNameTest {
   /// Names of that qualified or, by the rules, local form.
   static TNameTest OfName(StringView Name, const TLookupRules& Rules);
   /// Names of that prefix and that local name, "*" standing for any.
-  static TNameTest OfParts(StringView Prefix, StringView LocalName, TZmXPathCollationClass Collation);
+  TNameTest(StringView Prefix, StringView LocalName, TZmXPathCollationClass Collation);
 
   bool Matches(const TZmDOMNode* Node) {
     const TDOMName* const name = &TDOMTree::Name(Node);
+    if (name == FMatching) return true;
     const auto key = reinterpret_cast<std::uintptr_t>(name);
     const std::uintptr_t seen = FSeen[Slot(key)];
     if ((seen & ~std::uintptr_t{1}) == key) [[likely]]
@@ -67,13 +68,14 @@ class TNameTest {
 
  private:
   TNameTest() = default;
-  static constexpr int cSlots = 5;  // as a power of two
+  static constexpr int cSlots = 4;  // as a power of two
   static std::size_t Slot(std::uintptr_t Key) {
     return static_cast<std::uint32_t>((Key >> 3) * 0x9E3779B1u) >> (32 - cSlots);
   }
   bool Compare(const TZmDOMNode* Node, const TDOMName& Name);
 
   std::optional<TTextTest> FPrefix, FLocalName, FQName;          // without a value: any
+  const TDOMName* FMatching = nullptr;                           // the last record that was one of those
   std::array<std::uintptr_t, std::size_t{1} << cSlots> FSeen{};  // records, and in the lowest bit what came of them
 };
 

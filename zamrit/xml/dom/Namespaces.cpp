@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/xml/dom/TreeDetail.h"
 
 namespace zm::detail {
@@ -33,16 +34,19 @@ bool IsASCII(StringView Text) {
   return std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; });
 }
 
+String KeyOf(const TZmDOMAttribute* Declaration) { return LowerCase(PrefixOf(Declaration)); }
+
 TZmDOMAttribute* FindOwn(TDOMScope& Scope, StringView Prefix, TZmXPathCollationClass Collation) {
   if (Scope.Own.size() > cManyDeclarations && IsASCII(Prefix)) {
     if (!Scope.ByPrefix) {
-      Scope.ByPrefix = std::make_unique<std::unordered_map<String, TZmDOMAttribute*>>();
+      auto known = std::make_unique<std::unordered_map<String, TZmDOMAttribute*>>();
       bool ascii = true;
       for (TZmDOMAttribute* const declaration : Scope.Own) {
         ascii = ascii && IsASCII(PrefixOf(declaration));
-        (*Scope.ByPrefix)[LowerCase(PrefixOf(declaration))] = declaration;
+        (*known)[KeyOf(declaration)] = declaration;
       }
-      if (!ascii) Scope.ByPrefix->clear();
+      if (!ascii) known->clear();
+      Scope.ByPrefix = std::move(known);
     }
     const auto found = Scope.ByPrefix->find(LowerCase(Prefix));
     if (found == Scope.ByPrefix->end() && !Scope.ByPrefix->empty()) return nullptr;
@@ -54,6 +58,46 @@ TZmDOMAttribute* FindOwn(TDOMScope& Scope, StringView Prefix, TZmXPathCollationC
 }
 
 }  // namespace
+
+void TDOMScope::Add(TZmDOMAttribute* Declaration, bool InFront) {
+  Own.insert(InFront ? Own.begin() : Own.end(), Declaration);
+  NoteName(Declaration);
+}
+
+void TDOMScope::Remove(const TZmDOMNode* Declaration) noexcept {
+  ForgetSearches();
+  if (Own.empty()) return;
+  std::size_t behind = Own.front() == Declaration ? 1 : Own.size();
+  while (behind > 0 && Own[behind - 1] != Declaration) --behind;
+  if (behind == 0) return;
+  ForgetName(Own[behind - 1]);
+  Own.erase(Own.begin() + static_cast<std::ptrdiff_t>(behind - 1));
+}
+
+// Of several of one prefix the last one counts: which one that is then, the next search finds out.
+void TDOMScope::NoteName(TZmDOMAttribute* Declaration) noexcept {
+  ForgetSearches();
+  if (!ByPrefix || ByPrefix->empty()) return;
+  if (!IsASCII(PrefixOf(Declaration))) return ByPrefix->clear();
+  try {
+    if (ByPrefix->emplace(KeyOf(Declaration), Declaration).second) return;
+  } catch (...) {
+  }
+  ByPrefix = nullptr;
+}
+
+void TDOMScope::ForgetName(const TZmDOMAttribute* Declaration) noexcept {
+  if (!ByPrefix || ByPrefix->empty()) return;
+  try {
+    const auto known = ByPrefix->find(KeyOf(Declaration));
+    if (ByPrefix->size() == Own.size() && known != ByPrefix->end()) {
+      ByPrefix->erase(known);
+      return;
+    }
+  } catch (...) {
+  }
+  ByPrefix = nullptr;
+}
 
 TZmDOMAttribute* TDOMTree::FindPrefix(TDOMScope* Scope, StringView Prefix) {
   if (!Scope) return nullptr;
@@ -101,7 +145,7 @@ void TDOMTree::CollectNamespaces(TZmDOMElement* Element, std::vector<TZmDOMNode*
       if (!IsASCII(name)) {
         if (std::any_of(others.begin(), others.end(), same)) continue;
         others.push_back(name);
-      } else if (!known.insert(collation->IgnoresCase() ? LowerCase(name) : String(name)).second) {
+      } else if (!known.insert(collation == TZmXPathCollationASCIICI ? LowerCase(name) : String(name)).second) {
         continue;
       }
       Out.push_back(scope->Own[i]);
@@ -109,12 +153,39 @@ void TDOMTree::CollectNamespaces(TZmDOMElement* Element, std::vector<TZmDOMNode*
   std::reverse(Out.begin(), Out.end());
 }
 
+namespace {
+
+/// Compares values of attributes with a text, most of them as they stand.
+class TValueTest {
+ public:
+  explicit TValueTest(StringView Text) : FText(Text) {
+    TDOMTree::Narrow(Text, FUTF8);
+    FIsPlain = FUTF8.find('&') == std::string::npos;
+  }
+  bool Matches(const TZmDOMAttribute* Attribute) const {
+    const std::string_view raw = TDOMTree::RawText(Attribute);
+    if (FIsPlain && raw == FUTF8) return true;
+    return raw.find('&') == std::string_view::npos ? false : TDOMTree::Decoded(Attribute) == FText;
+  }
+
+ private:
+  const StringView FText;
+  std::string FUTF8;
+  bool FIsPlain;
+};
+
+}  // namespace
+
+// That of the element's own prefix comes first, which is found at once.
 TZmDOMAttribute* TDOMTree::FindNamespaceURI(TZmDOMElement* Element, StringView URI) {
+  const TValueTest test(URI);
+  if (TZmDOMAttribute* const own = FindPrefix(Element->FScope, Element->GetPrefix()); own && test.Matches(own))
+    return own;
   for (const TDOMScope* scope = Element->FScope; scope; scope = scope->Up)
     for (std::size_t i = scope->Own.size(); i-- > 0;) {
       TZmDOMAttribute* const declaration = scope->Own[i];
       // It may be covered by a nearer declaration of the same prefix.
-      if (Decoded(declaration) == URI && FindPrefix(Element->FScope, PrefixOf(declaration)) == declaration)
+      if (test.Matches(declaration) && FindPrefix(Element->FScope, PrefixOf(declaration)) == declaration)
         return declaration;
     }
   return nullptr;
@@ -132,22 +203,30 @@ void TDOMTree::DropScope(TZmDOMElement* Element) {
 
 // The scope of an element that declares is kept as an object: those below look at it until they are refreshed too.
 void TDOMTree::RefreshScope(TZmDOMElement* Element, TDOMScope* Up) {
+  TZmDOMDocument* const document = Up ? Up->Document : nullptr;
   if (!Has(Element, dfOwnScope)) {
-    TZmDOMDocument* const document = Up ? Up->Document : nullptr;
-    if (document && Home(document).Loading) {
-      Element->FScope = Home(document).NewScope(Element);
-    } else {
-      Element->FScope = new TDOMScope{nullptr, nullptr, Element, false, {}, nullptr, {}, {}};
-      Spoil(document);
-    }
+    Element->FScope = Up;  // it is in the document, also where memory runs out
+    const bool loaded = document && Home(document).Loading;
+    std::unique_ptr<TDOMScope> made;
+    if (!loaded) made.reset(new TDOMScope{nullptr, nullptr, Element, false, {}, nullptr, {}, {}});
+    TDOMScope* const scope = loaded ? Home(document).NewScope(Element) : made.get();
+    FillScope(Element, *scope);
+    if (!loaded) Spoil(document);
+    Element->FScope = scope;
+    made.release();
     Element->FFlags |= dfOwnScope;
   }
-  TDOMScope& scope = *Element->FScope;
-  scope.Clear();
-  scope.Up = Up;
-  scope.Document = Up ? Up->Document : nullptr;
+  Element->FScope->ForgetSearches();
+  Element->FScope->Up = Up;
+  Element->FScope->Document = document;
+}
+
+void TDOMTree::FillScope(const TZmDOMElement* Element, TDOMScope& Scope) {
+  std::vector<TZmDOMAttribute*> own;
   for (TZmDOMNode* node = First(Element); node; node = node->FNext)
-    if (Has(node, dfDeclaration)) scope.Own.push_back(static_cast<TZmDOMAttribute*>(node));
+    if (Has(node, dfDeclaration)) own.push_back(static_cast<TZmDOMAttribute*>(node));
+  Scope.Clear();
+  Scope.Own = std::move(own);
 }
 
 void TDOMTree::RefreshElement(TZmDOMElement* Element) {
@@ -166,48 +245,131 @@ void TDOMTree::RefreshElement(TZmDOMElement* Element) {
   ForgetNamespaces(Element);
   const StringView prefix = Name(Element).Prefix;
   const bool heldNone = Has(Element, dfNamespaceSet) && HeldURI(Element).empty();
+  const TZmDOMAttribute* const old = Element->FNamespace;
+  const String kept = IsKept(Element) ? HeldURI(Element) : String();
+  if (!kept.empty()) HoldURI(Element, {});
   CutLink(Element);
   if (Has(Element, dfOwnScope)) {
-    if (TZmDOMAttribute* const own = FindOwn(*Element->FScope, prefix, Element->GetCollation())) {
-      Element->FNamespace = own;
-      Element->FFlags |= dfNamespaceSet | dfNamespaceOwn;
-      return;
-    }
+    if (TZmDOMAttribute* const own = FindOwn(*Element->FScope, prefix, Element->GetCollation()))
+      return LinkToOwn(Element, own);
   }
   const TZmDOMElement* const parent = AsElement(above);
   if (!parent || !SamePrefix(Element, parent)) {
     Element->FNamespace = FindPrefix(Element->FScope, prefix);
+    if (!Element->FNamespace && !Has(Element, dfMoving)) KeepNamespace(Element, old, kept);
   } else if (heldNone && prefix.empty() && parent->FNamespace) {
+    Element->FFlags |= dfDeclaring;
+    const TFinally declared([Element] { Element->FFlags &= ~dfDeclaring; });
     Element->SetNamespaceURI(StringView());
+    if (Element->FNamespace && Element->FNamespace->FParent == Element) LinkToOwn(Element, Element->FNamespace);
   } else {
     Element->FNamespace = parent->FNamespace;
   }
 }
 
+void TDOMTree::LinkToOwn(TZmDOMElement* Element, TZmDOMAttribute* Declaration) {
+  Element->FNamespace = Declaration;
+  Element->FFlags |= dfNamespaceSet | dfNamespaceOwn;
+}
+
+// An element below one that has been moved may have left the declaration of its prefix behind. Where none is in force
+// it declares what it had.
+void TDOMTree::KeepNamespace(TZmDOMElement* Element, const TZmDOMAttribute* Old, StringView Kept) {
+  String uri(Kept);
+  if (uri.empty() && Old && Old->FParent && Declares(Old, Element->GetPrefix(), Element->GetCollation()))
+    uri = Old->GetNodeValue();
+  if (uri.empty()) return;
+  Element->FFlags |= dfDeclaring;
+  const TFinally declared([Element] { Element->FFlags &= ~dfDeclaring; });
+  Element->DeclareNamespace(uri);
+  LinkToOwn(Element, Element->FNamespace);
+}
+
+TZmDOMNode* TDOMTree::FollowingElement(const TZmDOMNode* Node, const TZmDOMNode* Top, bool Deep) {
+  if (Deep && CanHaveChildren(Node))
+    if (TZmDOMNode* const first = Beside<false>(Node, nullptr, TKind::Elements)) return first;
+  while (Node != Top) {
+    const auto* const parent = static_cast<const TZmDOMNode*>(Node->FParent);
+    if (TZmDOMNode* const next = Beside<false>(parent, Node, TKind::Elements)) return next;
+    Node = parent;
+  }
+  return nullptr;
+}
+
+// Of an application's classes all nodes are told, of others there is nothing to be done but for elements.
 void TDOMTree::RefreshBelow(TZmDOMNode* Top) {
-  for (TZmDOMNode* node = Following(Top, Top); node;) {
-    const bool element = node->GetNodeType() == ntElement;
-    if (IsDerived(node)) {
+  const auto tellChildren = [](TZmDOMNode* node) {
+    if (!Has(node, dfHasDerived)) return;
+    for (TZmDOMNode* child = First(node); child; child = child->FNext)
+      if (IsDerived(child) && child->GetNodeType() != ntElement) child->RefreshNamespaces();
+  };
+  tellChildren(Top);
+  for (TZmDOMNode* node = FollowingElement(Top, Top); node;) {
+    const bool derived = IsDerived(node);
+    if (derived) {
       node->RefreshNamespaces();
-      node = Following(node, Top, false);
-      continue;
+    } else {
+      RefreshElement(static_cast<TZmDOMElement*>(node));
+      tellChildren(node);
     }
-    if (element) RefreshElement(static_cast<TZmDOMElement*>(node));
-    node = Following(node, Top);
+    node = FollowingElement(node, Top, !derived);
   }
 }
 
 void TDOMTree::DeclarationsChanged(TZmDOMNode* Node) {
   TZmDOMElement* const element = AsElement(Node);
-  if (!element) return;
+  if (!element || element->IsDestroying()) return;
   bool declares = false;
   for (const TZmDOMNode* node = First(element); node && !declares; node = node->FNext)
     declares = Has(node, dfDeclaration);
   element->SetFlag(dfDeclares, declares);
-  if (element->IsDestroying()) return;
+  if (Has(element, dfOwnScope)) FillScope(element, *element->FScope);
+  Relink(element);
+}
+
+void TDOMTree::DeclarationCame(TZmDOMNode* Node, TZmDOMNode* Declaration) {
+  TZmDOMElement* const element = AsElement(Node);
+  if (!element || element->IsDestroying()) return;
+  element->FFlags |= dfDeclares;
+  if (Has(element, dfOwnScope)) {
+    const bool first = !Previous(Declaration);
+    if (first || !Declaration->FNext)
+      element->FScope->Add(static_cast<TZmDOMAttribute*>(Declaration), first);
+    else
+      FillScope(element, *element->FScope);
+  }
+  if (element->FScope) Relink(element);
+}
+
+void TDOMTree::DeclarationLeft(TZmDOMNode* Node, TZmDOMNode* Declaration) {
+  TZmDOMElement* const element = AsElement(Node);
+  if (!element || element->IsDestroying()) return;
+  if (!Has(element, dfOwnScope)) return DeclarationsChanged(element);
+  element->FScope->Remove(Declaration);
+  element->SetFlag(dfDeclares, !element->FScope->Own.empty());
+  Relink(element);
+}
+
+void TDOMTree::CutLinksTo(const TZmDOMNode* Declaration, TZmDOMNode* Node) noexcept {
+  for (TZmDOMNode* node = Node; node; node = Following(node, Node)) {
+    TZmDOMElement* const element = AsElement(node);
+    if (!element) continue;
+    if (element->FNamespace == Declaration) CutLink(element);
+    if (Has(element, dfOwnScope)) element->FScope->Remove(Declaration);
+  }
+}
+
+void TDOMTree::Relink(TZmDOMNode* Node) {
+  TZmDOMElement* const element = AsElement(Node);
+  if (!element || element->IsDestroying()) return;
+  if (Has(element, dfDeclaring)) {
+    RefreshScope(element, ScopeOf(element->ParentNode()));
+    return ForgetNamespaces(element);
+  }
   if (element->FScope) return element->RefreshNamespaces();
-  for (TZmDOMNode* node = element; node; node = Following(node, element))  // without a document nothing is sought anew
-    if (TZmDOMElement* const e = AsElement(node); e && e->FNamespace)
+  for (TZmDOMNode* node = element; node;
+       node = FollowingElement(node, element))  // without a document nothing is sought
+    if (TZmDOMElement* const e = AsElement(node); e->FNamespace)
       if (!e->FNamespace->FParent || !Declares(e->FNamespace, e->GetPrefix(), e->GetCollation())) CutLink(e);
 }
 
@@ -263,9 +425,28 @@ void TDOMTree::LeaveDocument(TZmDOMNode* Top, TZmDOMDocument* Document) {
   for (TZmDOMNode* node = Top; node; node = Following(node, Top)) OwnName(node);
 }
 
+// A namespace that was declared above what is moved, and is not that of the parent, too, stays with the element until
+// it comes to a document again. It is lost where memory runs out.
+void TDOMTree::HoldOuter(TZmDOMElement* Element) noexcept {
+  const TZmDOMElement* const parent = AsElement(Element->FParent);
+  if (parent && SamePrefix(Element, parent)) return;
+  try {
+    HoldURI(Element, Element->FNamespace->GetNodeValue());
+    Element->FFlags &= ~dfNamespaceSet;
+  } catch (...) {
+  }
+}
+
+bool TDOMTree::IsKept(const TZmDOMElement* Element) {
+  return !Has(Element, dfNamespaceSet) && !Has(Element, dfNamespaceOwn) && !HeldURI(Element).empty();
+}
+
 // Links to declarations outside are cut where there is no document: it may go before the nodes do.
 void TDOMTree::EnterDocument(TZmDOMNode* Top, TZmDOMDocument* Document) {
+  if (Has(Top, dfEntering)) return;
+  bool derived = false;
   for (TZmDOMNode* node = Top; node; node = Following(node, Top)) {
+    derived |= IsDerived(node) && node != Top;
     if (node->GetNodeType() != ntElement) continue;
     auto* const element = static_cast<TZmDOMElement*>(node);
     DropScope(element);
@@ -274,9 +455,18 @@ void TDOMTree::EnterDocument(TZmDOMNode* Top, TZmDOMDocument* Document) {
     if (Has(element, dfDeclares))
       for (TZmDOMNode* child = First(element); child; child = child->FNext)
         if (Has(child, dfDeclaration)) child->FFlags |= dfMarked;
-    if (element->FNamespace && !Has(element->FNamespace, dfMarked)) CutLink(element);
+    if (!element->FNamespace || Has(element->FNamespace, dfMarked)) continue;
+    if (element != Top) HoldOuter(element);
+    CutLink(element);
   }
   for (TZmDOMNode* node = Top; node; node = Following(node, Top)) node->FFlags &= ~dfMarked;
+  if (!derived) return;
+  for (TZmDOMNode* node = Following(Top, Top); node; node = Following(node, Top)) {
+    if (!IsDerived(node)) continue;
+    node->FFlags |= dfEntering;
+    const TFinally entered([node] { node->FFlags &= ~dfEntering; });
+    node->SetDOMDocument(Document);
+  }
 }
 
 void TDOMTree::CutLoose(TZmDOMNode* Top) noexcept {
@@ -289,7 +479,10 @@ void TDOMTree::CutLoose(TZmDOMNode* Top) noexcept {
   }
   Top->FParent = nullptr;
   if (TZmDOMObjectImpl* const impl = Top->GetDOMImpl()) impl->SetParent(nullptr);
-  EnterDocument(Top, nullptr);
+  try {
+    EnterDocument(Top, nullptr);
+  } catch (...) {  // of an application's class, which has been told
+  }
 }
 
 }  // namespace zm::detail

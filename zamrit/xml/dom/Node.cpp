@@ -165,10 +165,15 @@ void TZmDOMNode::AddChild(TZmDOMNode* Node, TZmDOMNode* Ref, TZmDOMPosition Posi
   if (Ref == Node) Ref = nullptr;
   TZmDOMNode* const from = Node->ParentNode();
   const bool declaration = Node->HasFlag(detail::dfDeclaration);
+  const detail::TDOMKeep keep(from ? from : Node);  // Node may be all that holds what it leaves, and Ref stand there
   TDOMTree::Leave(Node);
   if (declaration && from && from != this) {
     Node->FParent = nullptr;  // for the time in which those who were linked to it seek another
-    TDOMTree::DeclarationsChanged(from);
+    try {
+      TDOMTree::DeclarationLeft(from, Node);
+    } catch (...) {
+      TDOMTree::CutLinksTo(Node, from);
+    }
     Node->FParent = from;
   }
   try {
@@ -183,8 +188,15 @@ void TZmDOMNode::AddChild(TZmDOMNode* Node, TZmDOMNode* Ref, TZmDOMPosition Posi
       before = Ref->FNext;
     TDOMTree::Link(this, Node, before);
     TDOMTree::ChildAdded(this, Node, Ref, Position);
-    if (declaration) TDOMTree::DeclarationsChanged(this);
+    if (TDOMTree::IsDerived(Node)) SetFlag(detail::dfHasDerived);
+    if (GetNodeType() == ntDocument && Node->FNext) TDOMTree::Rescan(static_cast<TZmDOMDocument*>(this));
+    if (declaration && from == this)
+      TDOMTree::DeclarationsChanged(this);
+    else if (declaration)
+      TDOMTree::DeclarationCame(this, Node);
   } catch (...) {
+    if (declaration) TDOMTree::CutLinksTo(Node, this);
+    TDOMTree::ForgetViews(this);
     TDOMTree::Leave(Node);
     TDOMTree::CutLoose(Node);
     if (from && !Node->IsHeld() && !Node->HasFlag(detail::dfMade)) TDOMTree::Dispose(Node);
@@ -200,8 +212,17 @@ void TZmDOMNode::RemoveChild(TZmDOMNode* Node) {
   if (held || TDOMTree::IsDerived(Node)) TDOMTree::MakeLoose(Node);
   Node->FParent = nullptr;
   TDOMTree::LeaveFrom(this, Node);
-  if (declaration) TDOMTree::DeclarationsChanged(this);
-  if (!held && Node->CanAutoDestroy()) TDOMTree::Dispose(Node);
+  const auto dispose = [&] {
+    if (!held && Node->CanAutoDestroy()) TDOMTree::Dispose(Node);
+  };
+  try {
+    if (declaration) TDOMTree::DeclarationLeft(this, Node);
+  } catch (...) {
+    TDOMTree::CutLinksTo(Node, this);
+    dispose();
+    throw;
+  }
+  dispose();
 }
 
 void TZmDOMNode::AppendChild(TZmDOMNode* Node) { AddChild(Node, nullptr, rdpLast); }
@@ -255,13 +276,16 @@ void TZmDOMNode::SetParentNode(TZmDOMObject* Parent) {
 bool TZmDOMNode::CanAutoDestroy() const { return !IsHeld() && TZmDOMObject::CanAutoDestroy(); }
 
 void TZmDOMNode::BeforeDestruction() {
+  const detail::TDOMKeep keep(FParent ? FParent : this);  // handles below may be all that holds the tree
   SetFlag(detail::dfDestroying);
   Clear();
   if (FParent) {
-    if (TDOMTree::Has(FParent, detail::dfDestroying))
+    if (FParent->IsDestroying() && !TDOMTree::IsDerived(FParent)) {
       TDOMTree::Leave(this);
-    else
+      FParent = nullptr;
+    } else {
       ParentNode()->RemoveChild(this);
+    }
   }
   TZmDOMObject::BeforeDestruction();
 }

@@ -143,9 +143,11 @@ class TZmDOMNode : public TZmDOMObject {
   virtual TZmOwner<TZmDOMNode> CloneNode(bool Deep) const;
   /// Makes a node of a class and adds it. Position is next to Ref or, where Ref is nil, at an end.
   virtual TZmDOMNode* AddChild(const TZmDOMNodeClass& NodeClass, TZmDOMNode* Ref, TZmDOMPosition Position);
-  /// Adds a node, which leaves the parent that it has. The tree owns it from here on. EZmDomHierarchyRequest for a node
-  /// under itself or a document. Where memory runs out the node is loose: still the caller's, and if it came from
-  /// another parent and nobody holds it, freed.
+  /// Adds a node, which leaves the parent that it has. The tree owns it from here on. An element that is moved declares
+  /// its namespace anew where that is not in force, and so do those below it whose prefix is not declared there; their
+  /// attributes do not. Linear in what is below. EZmDomHierarchyRequest for a node under itself or a document. Where
+  /// memory runs out the node is loose: still the caller's, and if it came from another parent and nobody holds it,
+  /// freed.
   virtual void AddChild(TZmDOMNode* Node, TZmDOMNode* Ref, TZmDOMPosition Position);
   /// Takes a child out, and frees it unless it is held.
   virtual void RemoveChild(TZmDOMNode* Node);
@@ -161,7 +163,8 @@ class TZmDOMNode : public TZmDOMObject {
 
   /// \name Paths. EZmDomSyntax for what is no path, EZmDomNotFound where nothing is found under soRaise and soCreate
   ///@{
-  /// The first node of a path, or nil.
+  /// The first node of a path, or nil. Only the last step ends with its first hit: the steps in front select all that
+  /// they lead to.
   TZmDOMNode* SelectSingleNode(const TZmAnyText& Path, TZmDOMSelectOptions Options = {});
   /// All nodes of a path, in a list that the caller owns. A node that is freed meanwhile must not be asked for.
   TZmOwner<TZmDOMNodeList> CreateNodeList(const TZmAnyText& Path, TZmDOMSelectOptions Options = {});

@@ -142,13 +142,18 @@ void TZmDOMNodeListBase::NodeLeaves(TZmDOMNode* Node) {
   if (FCount >= 0) --FCount;
 }
 
+// Also in front, so that a million insertions there cost no more than behind.
+void TZmDOMNodeListBase::MakeRoom(bool InFront) {
+  const std::size_t room = FList.size() + 8;
+  if (InFront && FHead == 0) {
+    FList.insert(FList.begin(), room, nullptr);
+    FHead = room;
+  }
+  if (FList.size() == FList.capacity()) FList.reserve(FList.size() + room);
+}
+
 void TZmDOMNodeListBase::Insert(int Index, TZmDOMNode* Node) {
-  if (Index == 0 && Size() > 0) {
-    if (FHead == 0) {  // room in front, so that a million insertions there cost no more than behind
-      const std::size_t room = FList.size() + 8;
-      FList.insert(FList.begin(), room, nullptr);
-      FHead = room;
-    }
+  if (Index == 0 && FHead > 0) {
     FList[--FHead] = Node;
   } else {
     FList.insert(FList.begin() + static_cast<std::ptrdiff_t>(FHead) + Index, Node);
@@ -171,6 +176,7 @@ bool TZmDOMNodeListBase::ContainsNode(const TZmDOMNode* Node) const { return IsC
 void TZmDOMNodeListBase::Add(TZmDOMNode* Node, TZmDOMAbsPosition Position) {
   Assert(Node != nullptr, u"Assertion failure (xml/uZmXMLDOM)");
   Depart();
+  MakeRoom(Position != rdpLast && Size() > 0);
   if (IsChild(Node)) Erase(IndexOf(Node));
   Insert(Position == rdpLast ? Size() : 0, Node);
   MarkChild(Node, true);
@@ -187,6 +193,7 @@ void TZmDOMNodeListBase::Add(TZmDOMNode* Node, TZmDOMRelPosition Position, TZmDO
   if (Ref == Node && ContainsNode(Node)) return;
   Depart();
   if (IndexOf(Ref) < 0) return Add(Node, Position == rdpBefore ? rdpFirst : rdpLast);
+  MakeRoom(Position == rdpBefore && IndexOf(Ref) == 0);
   if (IsChild(Node)) Erase(IndexOf(Node));
   Insert(IndexOf(Ref) + (Position == rdpBefore ? 0 : 1), Node);
   MarkChild(Node, true);

@@ -101,8 +101,9 @@ class TZmDOMNodeListBase : public TZmDOMObject {
   bool IsChild(const TZmDOMNode* Node) const;
   detail::TDOMFlags Mark() const { return FShown == TKind::All ? detail::dfListedAll : detail::dfListed; }
   void MarkChild(TZmDOMNode* Node, bool Value);
-  void Depart();  // from here on the list is what it holds
-  void Forget();  // it shows what the parent has again
+  void Depart();                // from here on the list is what it holds
+  void Forget();                // it shows what the parent has again
+  void MakeRoom(bool InFront);  // for one more, so that Insert does not fail
   void Insert(int Index, TZmDOMNode* Node);
   void Erase(int Index);
   void ChainChanged(TZmDOMNode* Added);

@@ -35,15 +35,13 @@ TLookupRules TLookupRules::Of(const TZmDOMObject& Object, TZmDOMSelectOptions Op
 TTextTest::TTextTest(StringView Text, TZmXPathCollationClass Collation)
     : FText(Text),
       FCollation(Collation),
-      FIsASCII(std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; })) {
-  if (!Collation->IgnoresCase()) return;
-  FFolded = FText;
-  std::transform(FFolded.begin(), FFolded.end(), FFolded.begin(), LowerASCII);
+      FIsASCII(Collation->IsBuiltIn() && std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; })),
+      FIsFolded(FIsASCII && Collation == TZmXPathCollationASCIICI) {
+  if (FIsFolded) std::transform(FText.begin(), FText.end(), FText.begin(), LowerASCII);
 }
 
 bool TTextTest::MatchesFolded(StringView Text) const {
-  return std::equal(Text.begin(), Text.end(), FFolded.begin(),
-                    [](char16_t a, char16_t b) { return LowerASCII(a) == b; });
+  return std::equal(Text.begin(), Text.end(), FText.begin(), [](char16_t a, char16_t b) { return LowerASCII(a) == b; });
 }
 
 TNameTest TNameTest::OfName(StringView Name, const TLookupRules& Rules) {
@@ -52,11 +50,9 @@ TNameTest TNameTest::OfName(StringView Name, const TLookupRules& Rules) {
   return test;
 }
 
-TNameTest TNameTest::OfParts(StringView Prefix, StringView LocalName, TZmXPathCollationClass Collation) {
-  TNameTest test;
-  if (Prefix != u"*") test.FPrefix.emplace(Prefix, Collation);
-  if (LocalName != u"*") test.FLocalName.emplace(LocalName, Collation);
-  return test;
+TNameTest::TNameTest(StringView Prefix, StringView LocalName, TZmXPathCollationClass Collation) {
+  if (Prefix != u"*") FPrefix.emplace(Prefix, Collation);
+  if (LocalName != u"*") FLocalName.emplace(LocalName, Collation);
 }
 
 bool TNameTest::Compare(const TZmDOMNode* Node, const TDOMName& Name) {
@@ -68,6 +64,7 @@ bool TNameTest::Compare(const TZmDOMNode* Node, const TDOMName& Name) {
   if (!TDOMTree::Has(Node, dfOwnName)) {
     const auto key = reinterpret_cast<std::uintptr_t>(&Name);
     FSeen[Slot(key)] = key | (matches ? 1 : 0);
+    if (matches) FMatching = &Name;
   }
   return matches;
 }
@@ -88,7 +85,7 @@ class TPlace {
   }
 
   TZmDOMNode* Find(StringView NamespaceURI, StringView LocalName, TZmXPathCollationClass Collation) const {
-    TNameTest test = TNameTest::OfParts(u"*", LocalName, Collation);
+    TNameTest test = TNameTest::OfName(LocalName, {Collation, true});
     return FindLast([&](const TZmDOMNode* node) {
       return test.Matches(node) && (NamespaceURI.empty() || Collation->SameText(node->GetNamespaceURI(), NamespaceURI));
     });
@@ -266,10 +263,13 @@ TZmDOMElement* TZmDOMElementList::GetItemEx(const Variant& Index, TZmDOMSelectCh
   if (CheckOption == coCreate) options.Include(soCreate);
   if (CheckOption == coRaise) options.Include(soRaise);
   TZmDOMElement* found = nullptr;
-  if (CheckOption != coCreate && name.find(u'/') == String::npos)
-    found = AsElement(Find(name, options));
-  else if (owner)
+  if (CheckOption != coCreate && name.find(u'/') == String::npos) {
+    TZmDOMNode* const node = Find(name, options);
+    if (node && node->GetNodeType() != ntElement) throw EInvalidCast(u"Invalid class typecast");
+    found = AsElement(node);
+  } else if (owner) {
     found = owner->SelectSingleElement(name, options);
+  }
   if (!found && CheckOption == coRaise) throw EListError(u"There is no childelement with the name %s!", {name});
   return found;
 }

@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <typeinfo>
 
+#include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/dom/TreeDetail.h"
 #include "zamrit/xml/values/Escaping.h"
@@ -92,14 +94,24 @@ void TDOMTree::SetName(TZmDOMNode* Node, StringView Prefix, StringView LocalName
   const bool borrow = document && document->FHome->NameCount() < cManyNames &&
                       (!Has(Node, dfArena) || &TDOMHome::Of(Node) == document->FHome);
   const TDOMName* const name = borrow ? document->FHome->Intern(Prefix, LocalName) : NewName(Prefix, LocalName);
+  TDOMScope* const scope = Has(Node, dfDeclaration) && Node->FParent && Has(Node->FParent, dfOwnScope)
+                               ? static_cast<TZmDOMElement*>(Node->FParent)->FScope
+                               : nullptr;
+  if (scope) scope->ForgetName(static_cast<TZmDOMAttribute*>(Node));
   const TDOMName* const old = std::exchange(named->FName, name);
   if (Has(Node, dfOwnName)) FreeName(old);
   Node->SetFlag(dfOwnName, !borrow);
   if (!borrow) Spoil(document);
+  auto* const parent = static_cast<TZmDOMNode*>(Node->FParent);
+  if (document == parent && parent) document->FScanned = nullptr;
   if (Node->GetNodeType() != ntAttribute) return;
   const bool was = Has(Node, dfDeclaration);
   Node->SetFlag(dfDeclaration, name->IsDeclaration);
-  if ((was || name->IsDeclaration) && Node->FParent) DeclarationsChanged(static_cast<TZmDOMNode*>(Node->FParent));
+  if (!parent || !(was || name->IsDeclaration)) return;
+  if (!was) return DeclarationCame(parent, Node);
+  if (!name->IsDeclaration) return DeclarationLeft(parent, Node);
+  if (scope) scope->NoteName(static_cast<TZmDOMAttribute*>(Node));
+  Relink(parent);
 }
 
 void TDOMTree::OwnName(TZmDOMNode* Node) {
@@ -263,63 +275,156 @@ TZmDOMNodeListBase* TDOMTree::OwnList(const TZmDOMNode* Parent, TKind Kind) {
 // What somebody has put in a list of children that is none is passed over.
 TZmDOMNode* TDOMTree::ChildIn(const TZmDOMNodeListBase& List, int Index, int Step) {
   for (; Index >= 0 && Index < List.Size(); Index += Step)
-    if (List.At(Index)->FParent == List.FParent) {
+    if (List.At(Index)->FParent == List.FParent && IsOfKind(List.At(Index), List.FShown)) {
       List.FCursor = Index;
       return List.At(Index);
     }
   return nullptr;
 }
 
+void TDOMGaps::Note(TZmDOMNode* Left, TZmDOMNode* Right) {
+  FBehind[Left] = Right;
+  try {
+    FBefore[Right] = Left;
+  } catch (...) {
+    FBehind.erase(Left);
+    throw;
+  }
+}
+
+// Another child takes the place of that at one end of a way.
+bool TDOMGaps::Rename(TWays& From, TWays& To, TZmDOMNode* Old, TZmDOMNode* New) {
+  auto way = From.extract(Old);
+  if (!way) return false;
+  way.key() = New;
+  To.find(way.mapped())->second = New;
+  From.insert(std::move(way));
+  return true;
+}
+
+void TDOMGaps::Drop(TWays& From, TWays& To, TZmDOMNode* Node) {
+  const auto way = From.find(Node);
+  if (way == From.end()) return;
+  To.erase(way->second);
+  From.erase(way);
+}
+
+void TDOMGaps::Came(TZmDOMNode* Node, std::optional<TZmDOMNode*> Left, std::optional<TZmDOMNode*> Right) {
+  if (Left) Rename(FBehind, FBefore, *Left, Node);
+  if (Right && !Left) Rename(FBefore, FBehind, *Right, Node);
+  if (Left || Right) return;
+  FBehind.clear();
+  FBefore.clear();
+}
+
+void TDOMGaps::Leaves(TZmDOMNode* Node, std::optional<TZmDOMNode*> Left, std::optional<TZmDOMNode*> Right) {
+  const auto before = FBefore.find(Node), behind = FBehind.find(Node);
+  if (before != FBefore.end() && behind != FBehind.end()) {
+    TZmDOMNode *const left = before->second, *const right = behind->second;
+    FBefore.erase(before);
+    FBehind.erase(behind);
+    FBehind.find(left)->second = right;
+    FBefore.find(right)->second = left;
+    return;
+  }
+  if (Left && Rename(FBehind, FBefore, Node, *Left)) return;
+  if (Right && Rename(FBefore, FBehind, Node, *Right)) return;
+  Drop(FBehind, FBefore, Node);
+  Drop(FBefore, FBehind, Node);
+}
+
+std::unique_ptr<TDOMGaps>* TDOMTree::Gaps(TDOMExtra* Extra, TKind Kind) {
+  if (!Extra) return nullptr;
+  switch (Kind) {
+    case TKind::Elements:
+      return &Extra->ElementGaps;
+    case TKind::Attributes:
+      return &Extra->AttributeGaps;
+    case TKind::Characters:
+      return &Extra->CharacterGaps;
+    default:
+      return nullptr;
+  }
+}
+
+// Node is where From has led to so far.
+TZmDOMNode* TDOMTree::BesideFar(const TZmDOMNode* Parent, const TZmDOMNode* From, TZmDOMNode* Node, TKind Kind,
+                                bool Back) {
+  if (const auto* const gaps = Gaps(ExtraIfAny(Parent), Kind); gaps && *gaps) {
+    const auto known = (*gaps)->Ways(Back).find(From);
+    if (known != (*gaps)->Ways(Back).end()) return known->second;
+  }
+  while (Node && !IsOfKind(Node, Kind)) Node = Back ? Previous(Node) : Node->FNext;
+  try {
+    std::unique_ptr<TDOMGaps>& gaps = *Gaps(&Extra(const_cast<TZmDOMNode*>(Parent)), Kind);
+    if (!gaps) gaps = std::make_unique<TDOMGaps>();
+    auto* const from = const_cast<TZmDOMNode*>(From);
+    gaps->Note(Back ? Node : from, Back ? from : Node);
+  } catch (const std::bad_alloc&) {  // then the way is gone again
+  }
+  return Node;
+}
+
+// The next of a kind, nil behind the last; no value where it is far.
+std::optional<TZmDOMNode*> TDOMTree::Near(const TZmDOMNode* Node, TKind Kind, bool Back) {
+  TZmDOMNode* near = Back ? Previous(Node) : Node->FNext;
+  for (int i = 0; i < cFar; ++i) {
+    if (!near || IsOfKind(near, Kind)) return near;
+    near = Back ? Previous(near) : near->FNext;
+  }
+  return {};
+}
+
 TZmDOMNode* TDOMTree::FirstOfKind(const TZmDOMNode* Parent, TKind Kind) {
   if (const TZmDOMNodeListBase* const own = OwnList(Parent, Kind)) return ChildIn(*own, 0, 1);
-  TZmDOMNode* node = First(Parent);
-  if (Kind == TKind::Attributes && !Has(Parent, dfLateAttributes))
+  if (Kind == TKind::Attributes && !Has(Parent, dfLateAttributes)) {
+    TZmDOMNode* const node = First(Parent);
     return node && node->GetNodeType() == ntAttribute ? node : nullptr;
-  while (node && !IsOfKind(node, Kind)) node = node->FNext;
-  return node;
+  }
+  return Beside<false>(Parent, nullptr, Kind);
 }
 
 TZmDOMNode* TDOMTree::LastOfKind(const TZmDOMNode* Parent, TKind Kind) {
   if (const TZmDOMNodeListBase* const own = OwnList(Parent, Kind)) return ChildIn(*own, own->Size() - 1, -1);
   if (Kind == TKind::Attributes && !Has(Parent, dfLateAttributes)) {  // few, in front of perhaps many others
     TZmDOMNode* last = nullptr;
-    for (TZmDOMNode* node = First(Parent); node && node->GetNodeType() == ntAttribute; node = node->FNext) last = node;
-    return last;
+    TZmDOMNode* node = First(Parent);
+    int passed = 0;
+    for (; node && node->GetNodeType() == ntAttribute && passed < cFar; node = node->FNext, ++passed) last = node;
+    if (passed < cFar) return last;
   }
-  TZmDOMNode* node = Last(Parent);
-  while (node && !IsOfKind(node, Kind)) node = Previous(node);
-  return node;
+  return Beside<true>(Parent, nullptr, Kind);
 }
 
 TZmDOMNode* TDOMTree::NextOfKind(const TZmDOMNode* Node, TKind Kind) {
   const auto* const parent = static_cast<const TZmDOMNode*>(Node->FParent);
   if (!parent) return nullptr;
   if (const TZmDOMNodeListBase* const own = OwnList(parent, Kind)) return ChildIn(*own, own->IndexOf(Node) + 1, 1);
-  TZmDOMNode* next = Node->FNext;
-  if (Kind == TKind::Attributes && !Has(parent, dfLateAttributes))
+  if (Kind == TKind::Attributes && !Has(parent, dfLateAttributes)) {
+    TZmDOMNode* const next = Node->FNext;
     return next && next->GetNodeType() == ntAttribute ? next : nullptr;
-  while (next && !IsOfKind(next, Kind)) next = next->FNext;
-  return next;
+  }
+  return Beside<false>(parent, Node, Kind);
 }
 
 TZmDOMNode* TDOMTree::PreviousOfKind(const TZmDOMNode* Node, TKind Kind) {
   const auto* const parent = static_cast<const TZmDOMNode*>(Node->FParent);
   if (!parent) return nullptr;
   if (const TZmDOMNodeListBase* const own = OwnList(parent, Kind)) return ChildIn(*own, own->IndexOf(Node) - 1, -1);
-  TZmDOMNode* previous = Previous(Node);
-  while (previous && !IsOfKind(previous, Kind)) previous = Previous(previous);
-  return previous;
+  return Beside<true>(parent, Node, Kind);
 }
 
 void TDOMTree::ChildAdded(TZmDOMNode* Parent, TZmDOMNode* Node, TZmDOMNode* Ref, TZmDOMPosition Position) {
   const TKind kind = KindOf(Node);
+  if (const auto* const gaps = Gaps(ExtraIfAny(Parent), kind); gaps && *gaps)
+    (*gaps)->Came(Node, Near(Node, kind, true), Near(Node, kind, false));
   if (Parent->GetNodeType() == ntElement && kind != TKind::All) {
     const bool relative = Ref && (Position == rdpBefore || Position == rdpAfter);
     if (relative && !IsOfKind(Ref, kind) && !OwnList(Parent, kind)) {
       // Next to a node of another kind it goes to an end of its own list. Is that where the chain has it? A long way to
       // the next of the kind is not gone each time: the list departs, and is right in any case.
       TZmDOMNode* beside = Position == rdpBefore ? Previous(Node) : Node->FNext;
-      for (int far = 0; beside && !IsOfKind(beside, kind) && far < 64; ++far)
+      for (int far = 0; beside && !IsOfKind(beside, kind) && far < cFar; ++far)
         beside = Position == rdpBefore ? Previous(beside) : beside->FNext;
       if (beside) {
         TZmDOMNodeListBase& list = List(Parent, kind);
@@ -339,22 +444,27 @@ void TDOMTree::ChildAdded(TZmDOMNode* Parent, TZmDOMNode* Node, TZmDOMNode* Ref,
 }
 
 void TDOMTree::ChildLeaves(TZmDOMNode* Parent, TZmDOMNode* Node) {
-  if (!Parent->HasFlag(dfExtra)) return;
-  if (TZmDOMNodeListBase* const list = ListIfAny(Parent, TKind::All)) list->NodeLeaves(Node);
-  if (KindOf(Node) == TKind::All) return;
-  if (TZmDOMNodeListBase* const list = ListIfAny(Parent, KindOf(Node))) list->NodeLeaves(Node);
+  if (!Parent->HasFlag(dfExtra) || !Has(Node, dfLinked)) return;
+  const TKind kind = KindOf(Node);
+  for (const TKind shown : {TKind::All, TKind::Elements, TKind::Attributes, TKind::Characters})
+    if (TZmDOMNodeListBase* const list = ListIfAny(Parent, shown))
+      if (IsOfKind(Node, shown) || list->FHasOthers) list->NodeLeaves(Node);
+  if (kind == TKind::All) return;
+  if (const auto* const gaps = Gaps(ExtraIfAny(Parent), kind); gaps && *gaps)
+    (*gaps)->Leaves(Node, Near(Node, kind, true), Near(Node, kind, false));
 }
 
 // Life.
 
 bool TDOMTree::IsOwnClass(const TZmDOMObject& Object) {
+  static const std::array known{&typeid(TZmDOMElement),  &typeid(TZmDOMAttribute), &typeid(TZmDOMText),
+                                &typeid(TZmDOMCDATA),    &typeid(TZmDOMComment),   &typeid(TZmDOMProcessingInstruction),
+                                &typeid(TZmDOMDocument), &typeid(TZmDOMNodeList),  &typeid(TZmDOMElementList),
+                                &typeid(TZmDOMAttrList)};
   const std::type_info& type = typeid(Object);
-  for (const std::type_info* const known :
-       {&typeid(TZmDOMElement), &typeid(TZmDOMAttribute), &typeid(TZmDOMText), &typeid(TZmDOMCDATA),
-        &typeid(TZmDOMComment), &typeid(TZmDOMProcessingInstruction), &typeid(TZmDOMDocument), &typeid(TZmDOMNodeList),
-        &typeid(TZmDOMElementList), &typeid(TZmDOMAttrList)})
-    if (type == *known) return false;
-  return true;
+  // The address tells nearly always, and sooner than the names.
+  return std::find(known.begin(), known.end(), &type) == known.end() &&
+         std::none_of(known.begin(), known.end(), [&](const std::type_info* one) { return *one == type; });
 }
 
 void TDOMTree::Destroy(TZmDOMNode* Node) noexcept {
@@ -370,11 +480,12 @@ void TDOMTree::Destroy(TZmDOMNode* Node) noexcept {
 void TDOMTree::LeaveFrom(TZmDOMNode* Parent, TZmDOMNode* Node) {
   if (!Parent) return;
   ChildLeaves(Parent, Node);
-  Unlink(Parent, Node);
   if (Parent->GetNodeType() == ntDocument) {
     auto* const document = static_cast<TZmDOMDocument*>(Parent);
     if (document->FRootNode == Node) document->FRootNode = nullptr;
+    if (document->FScanned == Node) document->FScanned = Previous(Node);
   }
+  Unlink(Parent, Node);
 }
 
 void TDOMTree::MakeLoose(TZmDOMNode* Node) {
@@ -401,29 +512,61 @@ void PutDeclarationsFirst(TZmDOMNode* Node) {
 
 }  // namespace
 
+namespace {
+
+// Of an application's classes each calls the next. Those that stand deeper than this are told when what is below them
+// has gone, so that depth does not become stack.
+constexpr int cMostNested = 64;
+thread_local int Nested = 0;
+
+}  // namespace
+
+void TDOMTree::RunBeforeDestruction(TZmDOMNode* Node) {
+  ++Nested;
+  const TFinally leave([] { --Nested; });
+  Node->BeforeDestruction();
+  if (CanHaveChildren(Node)) FreeChildren(Node);  // what an override has left
+}
+
+// A child leaves a parent that goes, or is cleared. An application's class of parent may watch it.
+void TDOMTree::LetGo(TZmDOMNode* Parent, TZmDOMNode* Node, bool Held) {
+  if (!Held) Node->FFlags |= dfDestroying;
+  try {
+    if (IsDerived(Parent) && Node->FParent == Parent) Parent->RemoveChild(Node);
+  } catch (...) {  // it goes all the same
+  }
+  if (Node->FParent != Parent) return;
+  Leave(Node);
+  if (!Held) {
+    Node->FParent = nullptr;
+    return;
+  }
+  try {
+    Node->SetParentNode(nullptr);
+  } catch (...) {
+    CutLoose(Node);
+  }
+}
+
 // What is held below is a branch of its own from the child on that is reached first: the companion of a held node
 // holds those of all nodes above it.
 void TDOMTree::FreeChildren(TZmDOMNode* Top) {
+  ClearLists(Top);
   PutDeclarationsFirst(Top);
   TZmDOMNode* node = Last(Top);
   while (node) {
     auto* const parent = static_cast<TZmDOMNode*>(node->FParent);
     if (node->IsHeld() || Has(node, dfMade)) {
-      Leave(node);
-      try {
-        node->SetParentNode(nullptr);
-      } catch (...) {
-        CutLoose(node);
-      }
-    } else if (CanHaveChildren(node) && Last(node)) {
+      LetGo(parent, node, true);
+    } else if (CanHaveChildren(node) && Last(node) && !(IsDerived(node) && Nested < cMostNested)) {
       node->FFlags |= dfDestroying;
+      ClearLists(node);
       PutDeclarationsFirst(node);
       node = Last(node);
       continue;
     } else {
-      if (IsDerived(node)) node->BeforeDestruction();
-      Unlink(parent, node);
-      node->FParent = nullptr;
+      if (IsDerived(node)) RunBeforeDestruction(node);
+      LetGo(parent, node, false);
       Destroy(node);
     }
     node = Last(parent);
@@ -435,6 +578,13 @@ void TDOMTree::FreeChildren(TZmDOMNode* Top) {
 void TDOMTree::ClearLists(TZmDOMNode* Node) {
   for (const TKind kind : {TKind::All, TKind::Elements, TKind::Attributes, TKind::Characters})
     if (TZmDOMNodeListBase* const list = ListIfAny(Node, kind)) list->Forget();
+  for (const TKind kind : {TKind::Elements, TKind::Attributes, TKind::Characters})
+    if (auto* const gaps = Gaps(ExtraIfAny(Node), kind)) gaps->reset();
+}
+
+void TDOMTree::ForgetViews(TZmDOMNode* Node) {
+  for (const TKind kind : {TKind::All, TKind::Elements, TKind::Attributes, TKind::Characters})
+    if (TZmDOMNodeListBase* const list = ListIfAny(Node, kind); list && list->FKind != TKind::Own) list->Forget();
 }
 
 void TDOMTree::ForgetChildren(TZmDOMNode* Node) {
@@ -453,8 +603,8 @@ String TDOMTree::EncodingIn(StringView Declaration) {
 }
 
 void TDOMTree::Dispose(TZmDOMNode* Node) {
-  if (CanHaveChildren(Node)) FreeChildren(Node);
-  if (IsDerived(Node)) Node->BeforeDestruction();
+  if (CanHaveChildren(Node) && !(IsDerived(Node) && Nested < cMostNested)) FreeChildren(Node);
+  if (IsDerived(Node)) RunBeforeDestruction(Node);
   Destroy(Node);
 }
 

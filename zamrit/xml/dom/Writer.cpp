@@ -65,6 +65,8 @@ class TXMLWriter {
   ZM_INLINE void PutText(const TZmDOMNode* Node);
   ZM_NOINLINE void PutAnyText(const TZmDOMNode* Node);
 
+  /// Whether there is room for a name and three characters, and nothing to be said of it.
+  static bool IsShort(const TDOMName& Name) { return Name.PlainSize < TTreeOutput::cMost - 2; }
   static bool IsAttribute(const TZmDOMNode* Node) { return Node->GetNodeType() == ntAttribute; }
   static bool PreservesSpace(const TZmDOMNode* Node) {
     const bool plain = Node->GetNodeType() == ntElement && !TDOMTree::IsDerived(Node);
@@ -178,14 +180,15 @@ TZmDOMNode* TXMLWriter::Open(TZmDOMNode* Element) {
     if (FFar || IsBehindText()) FOut.PutMark("\r\n");
     Indent();
   }
-  const std::string_view name = TDOMTree::Name(Element).UTF8;
-  if (name.size() < TTreeOutput::cMost) [[likely]] {
+  const TDOMName& record = TDOMTree::Name(Element);
+  const std::string_view name = record.UTF8;
+  if (IsShort(record)) [[likely]] {
     char* const to = FOut.Room(name.size() + 1);
     *to = '<';
     FOut.Take(TTreeOutput::CopyShort(to + 1, name));
   } else {
     FOut.PutMark("<");
-    FOut.Put(name);
+    FOut.Put(name, record.HasSurrogates());
   }
   TZmDOMNode* first = nullptr;
   bool content;
@@ -227,29 +230,31 @@ void TXMLWriter::Close(TZmDOMNode* Element) {
     FOut.PutMark("\r\n");
     Indent();
   }
-  const std::string_view name = TDOMTree::Name(Element).UTF8;
-  if (name.size() < TTreeOutput::cMost - 2) [[likely]] {
+  const TDOMName& record = TDOMTree::Name(Element);
+  const std::string_view name = record.UTF8;
+  if (IsShort(record)) [[likely]] {
     char* to = TTreeOutput::CopyMark(FOut.Room(name.size() + 3), "</");
     to = TTreeOutput::CopyShort(to, name);
     *to = '>';
     FOut.Take(to + 1);
   } else {
     FOut.PutMark("</");
-    FOut.Put(name);
+    FOut.Put(name, record.HasSurrogates());
     FOut.PutMark(">");
   }
 }
 
 void TXMLWriter::PutAttribute(const TZmDOMNode* Attribute) {
-  const std::string_view name = TDOMTree::Name(Attribute).UTF8;
-  if (name.size() < TTreeOutput::cMost - 2) [[likely]] {
+  const TDOMName& record = TDOMTree::Name(Attribute);
+  const std::string_view name = record.UTF8;
+  if (IsShort(record)) [[likely]] {
     char* to = FOut.Room(name.size() + 3);
     *to = ' ';
     to = TTreeOutput::CopyShort(to + 1, name);
     FOut.Take(TTreeOutput::CopyMark(to, "=\""));
   } else {
     FOut.PutMark(" ");
-    FOut.Put(name);
+    FOut.Put(name, record.HasSurrogates());
     FOut.PutMark("=\"");
   }
   PutText(Attribute);
@@ -272,7 +277,7 @@ void TXMLWriter::PutInstruction(TZmDOMNode* Instruction) {
     IndentIn(Instruction->ParentNode());
   }
   FOut.PutMark("<?");
-  FOut.Put(TDOMTree::Name(Instruction).UTF8);
+  FOut.Put(TDOMTree::Name(Instruction).UTF8, TDOMTree::Name(Instruction).HasSurrogates());
   if (!TDOMTree::RawText(Instruction).empty()) {
     FOut.PutMark(" ");
     PutText(Instruction);

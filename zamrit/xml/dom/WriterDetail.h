@@ -62,6 +62,7 @@ class TTreeOutput {
   void Put(StringView Text) { Put(std::string_view(ToUTF8(Text))); }
   /// A text with lone surrogates of three bytes each. They go out as they are in UTF-16.
   void PutSurrogates(std::string_view Text);
+  void Put(std::string_view Text, bool Surrogates) { Surrogates ? PutSurrogates(Text) : Put(Text); }
   ZM_INLINE void PutBlanks(std::size_t Count) {
     if (Count > cPad) return PutManyBlanks(Count);
     char* const to = Room(Count);
