@@ -18,6 +18,9 @@ int RunXMLDocument(const TOptions& Options);
 /// failed or was stopped.
 int RunNodePaths(const TOptions& Options);
 
+/// Compares predicates of node paths with those of pugixml and libxml2. Answers 0.
+int RunPredicates(const TOptions& Options);
+
 /// Compares the readers of JSON events. Answers 0.
 int RunJSONEvents(const TOptions& Options);
 

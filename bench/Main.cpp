@@ -26,6 +26,8 @@ constexpr TCommand cCommands[] = {
      "XML as a document, beside pugixml, libxml2, Xerces-C and tinyxml2", RunXMLDocument},
     {"node-paths", "[--seconds S] [--markdown FILE] [--quick]",
      "paths in XML documents, beside pugixml, and how edits grow", RunNodePaths},
+    {"predicates", "[--seconds S] [--markdown FILE] [--quick]",
+     "predicates in XML documents, beside pugixml and libxml2", RunPredicates},
     {"json-events", "[--data DIR] [--seconds S] [--markdown FILE] [--quick]",
      "JSON as events, beside RapidJSON and nlohmann", RunJSONEvents},
     {"json", "[--data DIR] [--seconds S] [--markdown FILE] [--quick]",

@@ -14,3 +14,4 @@
 #include "zamrit/xml/uZmSAX.h"
 #include "zamrit/xml/uZmXMLDOM.h"
 #include "zamrit/xml/uZmXMLUtils.h"
+#include "zamrit/xml/uZmXPath.h"

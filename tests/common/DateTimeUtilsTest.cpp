@@ -1,12 +1,9 @@
 #include "zamrit/common/DateTimeUtils.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <time.h>
-
-#include <optional>
 
 #include "tests/support/Raised.h"
+#include "tests/support/Zone.h"
 #include "zamrit/common/SysUtils.h"
 #include "zamrit/platform/Exceptions.h"
 
@@ -48,23 +45,6 @@ TEST(ISODateTime, RefusesOtherTexts) {
     EXPECT_EQ(Raised<zm::EConvertError>([&] { zm::ZmDecodeISODateTime(text); }),
               zm::ToUTF8(zm::Format(u"'%s' is not a valid date and time value", {text})));
 }
-
-// Sets the zone of the process as long as it lives.
-class TZone {
- public:
-  explicit TZone(const char* Name) {
-    if (const char* old = getenv("TZ")) FOld = old;
-    setenv("TZ", Name, 1);
-    tzset();
-  }
-  ~TZone() {
-    FOld ? setenv("TZ", FOld->c_str(), 1) : unsetenv("TZ");
-    tzset();
-  }
-
- private:
-  std::optional<std::string> FOld;
-};
 
 std::int64_t Milliseconds(zm::TDateTime Value) { return zm::DateTimeToMilliseconds(Value); }
 

@@ -79,6 +79,12 @@ TEST(ZmCharCase, SpellsByMode) {
         << c.Mode << zm::ToUTF8(c.Text);
 }
 
+TEST(ZmSimplifyString, LeavesSingleBlanks) {
+  const StringView cases[][2] = {
+      {u"\r\n a\t \nb  c d ", u"a b c d"}, {u"\u00A0\u00E9", u"\u00A0\u00E9"}, {u" \t", u""}};
+  for (const auto& [text, out] : cases) EXPECT_EQ(zm::ZmSimplifyString(text), out);
+}
+
 TEST(ZmVarTo, GivesTheDefaultForWhatIsEmptyOrDoesNotConvert) {
   const zm::Variant empty, null = zm::Null(), text(u"x"), number(u" 12"), big(INT64_MAX), half(2.5);
   for (const auto* none : {&empty, &null}) {

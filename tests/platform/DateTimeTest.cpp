@@ -3,13 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <ctime>
 #include <limits>
 #include <random>
 #include <string>
 
 #include "tests/support/Raised.h"
+#include "tests/support/Zone.h"
 #include "zamrit/platform/TimeZone.h"
 
 namespace {
@@ -78,25 +77,6 @@ TEST(DateTimeTest, ReadsBackEveryMillisecond) {
   EXPECT_THROW(IncMilliSecond(0, std::numeric_limits<std::int64_t>::min()), EConvertError);
 }
 
-class TTimeZone {
- public:
-  explicit TTimeZone(const char* Name) {
-    const char* old = std::getenv("TZ");
-    FHad = old != nullptr;
-    if (old) FOld = old;
-    setenv("TZ", Name, 1);
-    tzset();
-  }
-  ~TTimeZone() {
-    FHad ? setenv("TZ", FOld.c_str(), 1) : unsetenv("TZ");
-    tzset();
-  }
-
- private:
-  std::string FOld;
-  bool FHad;
-};
-
 TEST(DateTimeTest, KnowsTheOffsetOfLocalTime) {
   struct TCase {
     const char* Zone;
@@ -122,13 +102,13 @@ TEST(DateTimeTest, KnowsTheOffsetOfLocalTime) {
   };
   for (const TCase& c : cases) {
     SCOPED_TRACE(std::string(c.Zone) + " " + std::to_string(c.Local.Year) + "-" + std::to_string(c.Local.Month));
-    const TTimeZone zone(c.Zone);
+    const TZone zone(c.Zone);
     const TFields& f = c.Local;
     const TDateTime local = EncodeDateTime(f.Year, f.Month, f.Day, f.Hour, f.Minute, f.Second, f.Millisecond);
     EXPECT_EQ(c.Offset, LocalOffset(local));
   }
   // Whatever is in force in UTC is in force at the local time that it makes, unless that comes twice.
-  const TTimeZone zone("America/New_York");
+  const TZone zone("America/New_York");
   for (int day = 0; day < 730; ++day) {
     const TDateTime utc = EncodeDate(2023, 1, 1) + day + 0.1;
     const std::int32_t offset = LocalOffsetAtUTC(utc);

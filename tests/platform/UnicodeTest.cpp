@@ -47,13 +47,4 @@ TEST(NormalizeText, LongRunsOfMarksTakeLinearTime) {
   }
 }
 
-TEST(StripDiacritics, LeavesOtherScriptsWhole) {
-  const StringView cases[][2] = {{u"Cr\u00E8me br\u00FBl\u00E9e", u"Creme brulee"},
-                                 {u"e\u0301\u0323 \u0141\u00F3d\u017A \u00D8re", u"e Lodz Ore"},
-                                 {u"\u03AC\u0419", u"\u03B1\u0418"},
-                                 {u"\u304C\uAC01\u0915\u093F", u"\u304C\uAC01\u0915\u093F"},
-                                 {u"\U0001F600", u"\U0001F600"}};
-  for (const auto& [text, plain] : cases) EXPECT_EQ(zm::StripDiacritics(text), plain) << zm::ToUTF8(text);
-}
-
 }  // namespace

@@ -150,6 +150,16 @@ String ZmCharCase(StringView Text, TZmCharCase Mode, char16_t Separator) {
   return out;
 }
 
+String ZmSimplifyString(StringView Text) {
+  String out;
+  for (const char16_t c : Trim(Text))
+    if (c > u' ')
+      out += c;
+    else if (out.back() != u' ')  // a trimmed text does not begin with white space
+      out += u' ';
+  return out;
+}
+
 bool ZmVarToBool(const Variant& Value, bool Default, bool Raise) {
   return ConvertOr(Value, Default, Raise, [](const Variant& V) { return V.AsBoolean(); });
 }

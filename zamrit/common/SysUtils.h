@@ -58,8 +58,9 @@ String ZmCharCase(StringView Text, TZmCharCase Mode, char16_t Separator = 0);
 
 /// NormalizeText under the name of the base units.
 inline String ZmNormalizeString(StringView Text, TNormalForm Form) { return NormalizeText(Text, Form); }
-/// StripDiacritics under the name of the base units.
-inline String ZmSimplifyString(StringView Text) { return StripDiacritics(Text); }
+/// The text without white space at both ends and with one blank for every run of it within; white space are the
+/// characters up to U+0020, as for Trim. Linear.
+String ZmSimplifyString(StringView Text);
 
 /// Whether a value is null or unassigned.
 inline bool ZmVarIsEmpty(const Variant& Value) { return Value.IsNull() || Value.IsEmpty(); }

@@ -1,6 +1,7 @@
 #include "zamrit/platform/RegEx.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <iterator>
 #include <new>
@@ -132,11 +133,13 @@ class TRegEx::TSearch {
         FInput(Input),
         FSubject(Units(Input)),
         FData(Made(pcre2_match_data_create_from_pattern(Code.Get(), nullptr))),
-        FPlaces(pcre2_get_ovector_pointer(FData.get())) {}
+        FPlaces(pcre2_get_ovector_pointer(FData.get())),
+        FEnd(std::chrono::steady_clock::now() + cTime + Input.size() * cTimeAUnit) {}
 
   bool Next() {
     if (FFrom > FInput.size()) return false;
     const int count = Run();
+    if (std::chrono::steady_clock::now() > FEnd) Raise(PCRE2_ERROR_MATCHLIMIT);
     if (count == PCRE2_ERROR_NOMATCH) {
       FFrom = FInput.size() + 1;
       return false;
@@ -216,6 +219,10 @@ class TRegEx::TSearch {
   std::size_t FFrom = 0;
   std::uint32_t FOptions = 0;
   std::uint32_t FGroupsSet = 0;
+  // The limit of steps is one for each match, of which there may be many.
+  static constexpr std::chrono::seconds cTime{1};
+  static constexpr std::chrono::microseconds cTimeAUnit{1};
+  std::chrono::steady_clock::time_point FEnd;
 };
 
 namespace {

@@ -43,7 +43,8 @@ struct TRegExMatch {
 /// stands.
 ///
 /// Every match operation raises ERegularExpressionError "The regular expression needs too many steps for this text!"
-/// where the search from one place of the input exceeds 10,000,000 steps or 64 MB.
+/// where the search from one place of the input exceeds 10,000,000 steps or 64 MB, or all of it takes longer than a
+/// second and a microsecond for each unit of the input.
 ///
 /// Cheap to copy. Its operations can run in several threads at once.
 class TRegEx {

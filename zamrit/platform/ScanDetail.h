@@ -17,9 +17,12 @@
 #if defined(__GNUC__)
 #define ZM_INLINE inline __attribute__((always_inline))
 #define ZM_NOINLINE __attribute__((noinline))
+// Memory that is going to be read soon.
+#define ZM_PREFETCH(Address) __builtin_prefetch(Address)
 #else
 #define ZM_INLINE inline
 #define ZM_NOINLINE
+#define ZM_PREFETCH(Address) static_cast<void>(Address)
 #endif
 
 // The one place with vector instructions. A lane type looks at 16 units of text (bytes, or UTF-16 units) at once: Load

@@ -100,22 +100,6 @@ String WithOrderedMarks(StringView Text, TNormalForm Form) {
   return done > 0 ? out += Text.substr(done) : String();
 }
 
-// The blocks of diacritical marks; marks that belong to one script stand in its own block.
-bool IsDiacritic(char16_t C) {
-  return (C >= 0x0300 && C <= 0x036F) || (C >= 0x1AB0 && C <= 0x1AFF) || (C >= 0x1DC0 && C <= 0x1DFF) ||
-         (C >= 0x20D0 && C <= 0x20FF) || (C >= 0xFE20 && C <= 0xFE2F);
-}
-
-// Letters with a stroke have no decomposition.
-char16_t WithoutStroke(char16_t C) {
-  constexpr std::pair<char16_t, char16_t> letters[] = {
-      {u'\u00D8', u'O'}, {u'\u00F8', u'o'}, {u'\u0110', u'D'}, {u'\u0111', u'd'}, {u'\u0126', u'H'},
-      {u'\u0127', u'h'}, {u'\u0141', u'L'}, {u'\u0142', u'l'}, {u'\u0166', u'T'}, {u'\u0167', u't'}};
-  for (const auto& [letter, plain] : letters)
-    if (C == letter) return plain;
-  return C;
-}
-
 }  // namespace
 
 String NormalizeText(StringView Text, TNormalForm Form) {
@@ -135,15 +119,6 @@ String NormalizeText(StringView Text, TNormalForm Form) {
     out.resize(static_cast<std::size_t>(length));
     if (U_SUCCESS(error)) return out;
   }
-}
-
-String StripDiacritics(StringView Text) {
-  String out = NormalizeText(Text, nfD);
-  std::size_t kept = 0;
-  for (const char16_t c : out)
-    if (!IsDiacritic(c)) out[kept++] = WithoutStroke(c);
-  out.resize(kept);
-  return NormalizeText(out, nfC);
 }
 
 char32_t UpperChar(char32_t Char) { return static_cast<char32_t>(u_toupper(static_cast<UChar32>(Char))); }

@@ -10,10 +10,6 @@ enum TNormalForm { nfC = 1, nfD = 2, nfKC = 5, nfKD = 6 };
 /// The text in a normalization form; lone surrogates stay. Raises ERangeError for a form that there is not. Linear.
 String NormalizeText(StringView Text, TNormalForm Form);
 
-/// The text without the diacritics of its letters, composed again: accents and the like above, below and through
-/// Latin, Greek and Cyrillic letters. Vowel signs and points of other scripts stay, and so do ligatures. Linear.
-String StripDiacritics(StringView Text);
-
 /// Compares two texts by the root collation of Unicode, the same on every machine: -1, 0 or 1. Where case is ignored,
 /// texts that differ in nothing else are equal. Linear; ten to a hundred times the cost of comparing units. Any thread.
 int CompareCollated(StringView Left, StringView Right, bool IgnoreCase);

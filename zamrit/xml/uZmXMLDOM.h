@@ -14,3 +14,4 @@
 #include "zamrit/xml/dom/Node.h"
 #include "zamrit/xml/dom/NodeList.h"
 #include "zamrit/xml/dom/Types.h"
+#include "zamrit/xml/xpath/Terms.h"

@@ -2,35 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
 #include <string>
 
 #include "tests/support/Raised.h"
+#include "tests/support/Zone.h"
 #include "zamrit/platform/Exceptions.h"
 
 namespace {
 
 using namespace zm;
-
-// Puts the process into a time zone for a scope.
-class TZone {
- public:
-  explicit TZone(const char* Name) : FHad(std::getenv("TZ") != nullptr), FOld(FHad ? std::getenv("TZ") : "") {
-    setenv("TZ", Name, 1);
-    tzset();
-  }
-  ~TZone() {
-    FHad ? setenv("TZ", FOld.c_str(), 1) : unsetenv("TZ");
-    tzset();
-  }
-  TZone(const TZone&) = delete;
-  TZone& operator=(const TZone&) = delete;
-
- private:
-  bool FHad;
-  std::string FOld;
-};
 
 constexpr const char *cEurope = "CET-1CEST,M3.5.0,M10.5.0/3", *cAmerica = "EST5EDT,M3.2.0,M11.1.0",
                      *cIndia = "IST-5:30";

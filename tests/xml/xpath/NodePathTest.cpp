@@ -3,49 +3,11 @@
 #include <string>
 
 #include "tests/support/Raised.h"
-#include "zamrit/xml/dom/Document.h"
+#include "tests/xml/xpath/Found.h"
 
 using namespace zm;
 
 namespace {
-
-// A node in short: the name of an element with its id, "@" and the name of an attribute, a text in apostrophes.
-std::string Short(TZmDOMNode* Node) {
-  const std::string name = ToUTF8(Node->GetQualifiedName());
-  switch (Node->GetNodeType()) {
-    case ntElement:
-      return name + ToUTF8(static_cast<TZmDOMElement*>(Node)->GetAttribute("id"));
-    case ntAttribute:
-      return "@" + name;
-    case ntProcessingInstruction:
-      return "?" + name;
-    case ntDocument:
-      return "document";
-    default:
-      return "'" + ToUTF8(Node->GetNodeValue()) + "'";
-  }
-}
-
-std::string Short(const TZmDOMNodeListBase& List) {
-  std::string all;
-  for (TZmDOMNode* const node : List) all += (all.empty() ? "" : " ") + Short(node);
-  return all;
-}
-
-// What a path leads to from a node, or the message of what it raises.
-std::string Found(TZmDOMNode& From, const char* Path, TZmDOMSelectOptions Options = {}) {
-  try {
-    return Short(*From.CreateNodeList(Path, Options));
-  } catch (const Exception& e) {
-    return e.what();
-  }
-}
-
-TZmOwner<TZmDOMDocument> Loaded(std::string_view XML) {
-  auto document = Create<TZmDOMDocument>();
-  document->LoadFromXML(XML);
-  return document;
-}
 
 constexpr std::string_view cTree =
     "<?xml version='1.0'?><r xmlns:p='u'>t<a id='1'><b id='2'/><B id='3'>x<!--c--><![CDATA[y]]></B></a>"
@@ -130,7 +92,6 @@ TEST(NodePath, Refuses) {
   const std::string error = "The XPath expression contains an error at \"";
   const std::string behindStar = "\"!\r\na \"/\" or \"[\" was expected after the \"*\".";
   const std::string behindDots = "\"!\r\na \"/\" or \"[\" was expected after the \"..\".";
-  const std::string noPredicates = "Predicates in node paths are not supported yet!";
   const struct {
     const char* Path;
     std::string Message;
@@ -149,15 +110,13 @@ TEST(NodePath, Refuses) {
       {"//..", error + "..\"!\r\nThe \"//\" cannot be used in combination with \"..\"."},
       {"(a)/b", "The XPath expression is not valid!"},
       {"(a|b)", "The XPath expression is not valid!"},
-      {"a[@x='p|q']", noPredicates},
       {"()", "The XPath expression is not valid!"},
       {"(a", "The XPath expression is not valid!"},
       {"[0]", "The XPath expression is not valid!"},
-      {"a[1]", noPredicates},
       {"x[1]", ""},  // there is nothing to be filtered
-      {"a[", noPredicates},
-      {"a[b/c]/d", noPredicates},
-      {"//[0]", noPredicates},
+      {"a[", "The specified XPath statement is not valid!"},
+      {"a[]", "The specified XPath statement is not valid!"},
+      {"a[b/c]/d[", ""},
   };
   const auto document = Loaded(cTree);
   for (const auto& c : cases) EXPECT_EQ(Found(*document->GetRootNode(), c.Path), c.Message) << c.Path;
@@ -265,6 +224,10 @@ TEST(NodePath, FollowsTheLists) {
   first->ChildNodes().Add(&root, rdpLast);  // a circle
   EXPECT_EQ(Found(root, "//x"), "x4");
   EXPECT_EQ(Found(root, "//a//x"), "x4");
+
+  const auto lent = Loaded("<r><a/></r>");  // a child in the list alone
+  lent->GetRootNode()->FirstElement()->ChildNodes().Add(root.LastElement()->FirstElement(), rdpLast);
+  EXPECT_EQ(Found(*lent, "//x"), "x4");
 }
 
 TEST(NodePath, Gathers) {

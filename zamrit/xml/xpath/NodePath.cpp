@@ -19,11 +19,9 @@ std::size_t EndOfGroup(StringView Text) {
 
 /// The place of the "/" that ends a step, or npos. Brackets are not nested here.
 std::size_t EndOfStep(StringView Path, std::size_t At) {
-  while ((At = Path.find_first_of(u"/[", At)) != StringView::npos && Path[At] == u'[') {
-    At = Path.find(u']', At);
-    if (At == StringView::npos) return At;
-  }
-  return At;
+  for (; At < Path.size() && Path[At] != u'/'; ++At)
+    if (Path[At] == u'[') At = std::min(Path.find(u']', At), Path.size() - 1);
+  return At < Path.size() ? At : StringView::npos;
 }
 
 std::vector<StringView> SplitPredicates(StringView Text) {
@@ -114,6 +112,7 @@ void Classify(TNodeStep& Step, bool LocalNames, bool BehindSelf) {
 TNodePath::TNodePath(StringView Path, bool Deep, bool Repeats, bool LocalNames) {
   bool nested = Repeats, twice = Repeats, last = false;
   StringView before;
+  FSteps.reserve(1 + static_cast<std::size_t>(std::count(Path.begin(), Path.end(), u'/')));
   while (!last) {
     bool nextDeep = false;
     TNodeStep& step = FSteps.emplace_back(CutStep(Path, nextDeep));

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <memory>
 #include <optional>
 #include <unordered_set>
@@ -28,6 +28,9 @@ struct TNodeStep {
   StringView PredicateText;
   std::vector<StringView> Predicates;  ///< each with its brackets
   String Error;                        ///< raised when the walk comes to the step
+
+  /// Whether the candidates stand right below the context.
+  bool TakesChildren() const { return Kind >= TStepKind::All && Kind <= TStepKind::Named; }
 };
 
 /// One alternative of a path, cut into steps up to the first that is wrong.
@@ -47,19 +50,45 @@ class TNodePath {
   bool FFindsTwice = false;
 };
 
-/// A set of nodes.
+/// A set of nodes. Nodes that are near in memory are near in the set: of each page it has one bit for each place where
+/// a node may begin.
 class TNodeSet {
  public:
   /// False where the node is in it.
-  bool Insert(TZmDOMNode* Node);
+  bool Insert(const TZmDOMNode* Node) {
+    const auto place = reinterpret_cast<std::uintptr_t>(Node) / cPlace;
+    TPage& page = Page(place / cPlaces);
+    std::uint64_t& places = page.Places[place % cPlaces / 64];
+    const std::uint64_t bit = std::uint64_t{1} << place % 64;
+    if ((places & bit) != 0) return false;
+    places |= bit;
+    return true;
+  }
 
  private:
-  std::size_t Slot(const TZmDOMNode* Node) const {
-    return static_cast<std::size_t>((reinterpret_cast<std::uintptr_t>(Node) >> 4) * 0x9E3779B97F4A7C15u >> FShift);
+  static constexpr std::size_t cPlace = 32, cPlaces = TArena::cPage / cPlace;
+  static_assert(cPlace <= sizeof(TZmDOMNode), "no two nodes begin in one place");
+  struct TPage {
+    std::uintptr_t Number;  // 0 where there is none
+    std::uint64_t Places[cPlaces / 64];
+  };
+
+  TPage& Page(std::uintptr_t Number) {
+    if (2 * FCount >= FPages.size()) Grow();
+    std::size_t at = static_cast<std::size_t>(Number * 0x9E3779B97F4A7C15u >> FShift);
+    while (FPages[at].Number != Number) {
+      if (FPages[at].Number == 0) {
+        FPages[at].Number = Number;
+        ++FCount;
+        break;
+      }
+      at = (at + 1) & (FPages.size() - 1);
+    }
+    return FPages[at];
   }
   void Grow();
 
-  std::vector<TZmDOMNode*> FSlots;
+  std::vector<TPage> FPages;
   std::size_t FCount = 0;
   int FShift = 64;
 };
@@ -158,42 +187,73 @@ inline bool IsNamed(const TZmDOMNode* Node) {
   return IsElement(Node) || Node->GetNodeType() == ntProcessingInstruction;
 }
 inline bool IsAttribute(const TZmDOMNode* Node) { return Node->GetNodeType() == ntAttribute; }
+/// Whether neither the chain nor a list has children of the node.
+inline bool IsLeaf(const TZmDOMNode* Node) {
+  return !TDOMTree::CanHaveChildren(Node) || (!TDOMTree::First(Node) && !TDOMTree::Has(Node, dfOwnLists));
+}
 inline TZmDOMElement* RootOf(TZmDOMNode* Document) { return static_cast<TZmDOMDocument*>(Document)->GetRootNode(); }
 
-/// The attributes of an element, or of the root of a document.
+/// Gives the attributes of an element, or of the root of a document, until Use says that it is enough.
 template <class F>
 void EachAttribute(TZmDOMNode* Of, TNameTest& Names, bool Declarations, F Use) {
   if (IsDocument(Of)) Of = RootOf(Of);
   if (!Of || !IsElement(Of)) return;
+  const auto enough = [&](TZmDOMNode* node) {
+    return Names.Matches(node) && (Declarations || !TDOMTree::Has(node, dfDeclaration)) && Use(node);
+  };
   constexpr auto kind = TDOMTree::TKind::Attributes;
-  for (TZmDOMNode* node = TDOMTree::FirstOfKind(Of, kind); node; node = TDOMTree::NextOfKind(node, kind))
-    if (Names.Matches(node) && (Declarations || !TDOMTree::Has(node, dfDeclaration))) Use(node);
+  TZmDOMNode* node = nullptr;
+  if ((TDOMTree::Flags(Of) & (dfOwnLists | dfLateAttributes)) == 0) {
+    for (node = TDOMTree::First(Of); node && IsAttribute(node); node = TDOMTree::Next(node))
+      if (enough(node)) return;
+  } else {
+    for (node = TDOMTree::FirstOfKind(Of, kind); node && !enough(node);) node = TDOMTree::NextOfKind(node, kind);
+  }
 }
 
 /// Collects the nodes below a node for which a test holds: those of the node itself, then those of each child in turn.
-/// One pass in document order, as memory has it; the order is mended afterwards.
+/// One pass in document order, as memory has it. Where that is another order, it is mended after a second pass, which
+/// notes whose children the nodes are and begins as soon as this shows.
 class TSweep {
  public:
-  /// False where some list of children is not the chain; what has been appended then is to be forgotten.
+  /// The nodes found that are children of one parent.
+  struct TGroup {
+    std::size_t Parent;  // its number
+    std::size_t Begin;   // in the list; they end where the next group begins
+  };
+
+  /// Grouped asks for the groups. False where some list of children is not the chain; what has been appended then is to
+  /// be forgotten.
   template <class F>
-  bool Run(TZmDOMNode* Top, std::vector<TZmDOMNode*>& Out, F Test) {
+  bool Run(TZmDOMNode* Top, bool Grouped, std::vector<TZmDOMNode*>& Out, F Test) {
+    if (TDOMTree::Has(Top, dfOwnLists)) return false;
     TZmDOMNode* node = TDOMTree::CanHaveChildren(Top) ? TDOMTree::First(Top) : nullptr;
     if (!node) return true;
-    if (TDOMTree::Has(Top, dfOwnLists)) return false;
     const std::size_t from = Out.size();
     std::size_t parent = 0, parents = 1;  // numbers of those that have children, in document order
-    bool ordered = true;
-    FParents.clear();
+    std::size_t last = 0;                 // of the node found last
+    bool ordered = true, noting = Grouped;
+    FGroups.clear();
     FAbove.clear();
     for (;;) {
       if (Test(node)) {
-        ordered = ordered && (FParents.empty() || FParents.back() <= parent);
-        FParents.push_back(parent);
+        ordered = ordered && last <= parent;
+        if (!ordered && !noting) {
+          noting = true;
+          Out.resize(from);
+          FAbove.clear();
+          parent = 0;
+          parents = 1;
+          node = TDOMTree::First(Top);
+          continue;
+        }
+        if (noting && (parent != last || FGroups.empty())) FGroups.push_back({parent, Out.size()});
+        last = parent;
         Out.push_back(node);
       }
-      if (node->GetNodeType() == ntElement) {
+      if (IsElement(node)) {
+        if (TDOMTree::Has(node, dfOwnLists)) return false;
         if (TZmDOMNode* const first = TDOMTree::First(node)) {
-          if (TDOMTree::Has(node, dfOwnLists)) return false;
           FAbove.push_back(parent);
           parent = parents++;
           node = first;
@@ -203,6 +263,7 @@ class TSweep {
       while (!TDOMTree::Next(node)) {
         node = node->ParentNode();
         if (node == Top) {
+          if (noting) FGroups.push_back({parents, Out.size()});
           if (!ordered) Order(Out, from, parents);
           return true;
         }
@@ -213,18 +274,21 @@ class TSweep {
     }
   }
 
+  /// Those of the last run in turn, and one more at the end.
+  const std::vector<TGroup>& Groups() const { return FGroups; }
+
  private:
   void Order(std::vector<TZmDOMNode*>& Nodes, std::size_t From, std::size_t Parents);
 
-  std::vector<std::size_t> FParents;  // of each node found
-  std::vector<std::size_t> FAbove;    // of the node that the pass is at, those above its parent
+  std::vector<TGroup> FGroups;
+  std::vector<std::size_t> FAbove;  // of the node that the pass is at, the parents above its own
 };
 
 struct TWalkRules : TLookupRules {
   bool Create = false;
   bool FirstOnly = false;  ///< alternatives behind one that has led to something are left out
   bool OneWillDo = false;  ///< the walk may stop at the first node, if nothing behind it can raise
-  int Depth = 0;           ///< of parentheses
+  int Depth = 0;           ///< of parentheses and predicates around the path
   /// What has been created, which no "//" goes below: it might never end.
   std::unordered_set<const TZmDOMNode*>* Created = nullptr;
 };
@@ -252,7 +316,8 @@ class TPathWalk {
   void Gather(std::size_t Step, TZmDOMNode* Context, std::vector<TZmDOMNode*>& Out);
   void GatherGroup(std::size_t Step, TZmDOMNode* Context, std::vector<TZmDOMNode*>& Out);
   bool Sweep(std::size_t Step, TZmDOMNode* Top, std::vector<TZmDOMNode*>& Out);
-  void Filter(const TNodeStep& Step, std::vector<TZmDOMNode*>& Nodes, std::size_t From) const;
+  void Filter(std::size_t Step, std::vector<TZmDOMNode*>& Nodes, std::size_t From);
+  void FilterSwept(std::size_t Step, std::vector<TZmDOMNode*>& Nodes, std::size_t From);
   void CreateMissing(const TNodeStep& Step, TZmDOMNode* Context, std::vector<TZmDOMNode*>& Out) const;
 
   const TNodePath& FPath;
@@ -261,7 +326,9 @@ class TPathWalk {
   std::vector<TLevel> FLevels;         // of the steps that the walk has been at
   std::vector<TZmDOMNode*> FContexts;  // of all levels in turn
   TSweep FSweep;
-  bool FOwnLists = false;  // children have been seen whose list is not the chain, and may hold anything
+  std::vector<TZmDOMNode*> FSwept;      // what is to be filtered
+  TZmDOMObjectList FCandidates, FKept;  // of the predicates
+  bool FOwnLists = false;               // children have been seen whose list is not the chain, and may hold anything
 };
 
 /// A path with its alternatives, which can be followed from one node after the other as long as no node is renamed.
@@ -276,10 +343,11 @@ class TPathSelection {
  private:
   struct TAlternative;
 
-  std::vector<String> FParts;
+  String FPath;
+  std::vector<String> FParts;  // of a path with several alternatives
   std::unordered_set<const TZmDOMNode*> FCreated;
   TWalkRules FRules;
-  std::deque<TAlternative> FAlternatives;  // of the parts that have been come to
+  std::list<TAlternative> FAlternatives;  // that have been come to
 };
 
 }  // namespace zm::detail

@@ -10,7 +10,20 @@ using TKind = TDOMTree::TKind;
 void TZmDOMNode::_SelectNodes(TZmDOMNodeListBase& List, const TZmAnyText& Path, bool FirstOnly, bool LocalNames,
                               bool Create, TZmXPathCollationClass Collation) {
   const detail::TWalkRules rules{{Collation, LocalNames}, Create, FirstOnly};
-  detail::TPathSelection(Path.Text(), rules).Run(this, TDOMTree::Items(List));
+  std::vector<TZmDOMNode*>& items = TDOMTree::Items(List);
+  const std::size_t from = items.size();
+  const auto note = [&] {  // a list of children is to know which of them it holds
+    const std::vector<TZmDOMNode*> found(items.begin() + static_cast<std::ptrdiff_t>(from), items.end());
+    items.resize(from);
+    for (TZmDOMNode* const node : found) List.Add(node, rdpLast);
+  };
+  try {
+    detail::TPathSelection(Path.Text(), rules).Run(this, items);
+  } catch (...) {
+    note();
+    throw;
+  }
+  note();
 }
 
 namespace {
@@ -109,9 +122,12 @@ void TZmDOMNode::_SelectAllChildTextNodes(TZmDOMObjectList& List, bool Recurse, 
 
 void TZmDOMNode::_SelectAllChildAttributes(TZmDOMObjectList& List, bool Recurse, StringView, StringView LocalName,
                                            StringView Prefix, TZmXPathCollationClass Collation, bool LocalNames) {
-  TNameTest names = TNameTest::OfParts(Prefix, LocalName, Collation);
+  TNameTest names(Prefix, LocalName, Collation);
   const auto take = [&](TZmDOMNode* of) {
-    detail::EachAttribute(of, names, LocalNames, [&](TZmDOMNode* node) { List.push_back(node); });
+    detail::EachAttribute(of, names, LocalNames, [&](TZmDOMNode* node) {
+      List.push_back(node);
+      return false;
+    });
   };
   take(this);
   TZmDOMNode* const top = detail::IsDocument(this) ? detail::RootOf(this) : this;
@@ -120,7 +136,7 @@ void TZmDOMNode::_SelectAllChildAttributes(TZmDOMObjectList& List, bool Recurse,
 
 void TZmDOMNode::_SelectAllChildNodesExceptAttr(TZmDOMObjectList& List, bool Recurse, StringView, StringView LocalName,
                                                 StringView Prefix, TZmXPathCollationClass Collation) {
-  TNameTest names = TNameTest::OfParts(Prefix, LocalName, Collation);
+  TNameTest names(Prefix, LocalName, Collation);
   EachBelow(this, Recurse, TKind::All, [&](TZmDOMNode* node) {
     if (!detail::IsAttribute(node) && names.Matches(node)) List.push_back(node);
   });
@@ -128,7 +144,7 @@ void TZmDOMNode::_SelectAllChildNodesExceptAttr(TZmDOMObjectList& List, bool Rec
 
 void TZmDOMNode::_SelectAllChildElements(TZmDOMObjectList& List, bool Recurse, StringView, StringView LocalName,
                                          StringView Prefix, TZmXPathCollationClass Collation) {
-  TNameTest names = TNameTest::OfParts(Prefix, LocalName, Collation);
+  TNameTest names(Prefix, LocalName, Collation);
   const auto take = [&](TZmDOMNode* node) {
     if (detail::IsElement(node) && names.Matches(node)) List.push_back(node);
   };
@@ -154,8 +170,7 @@ void TZmDOMElement::_GetChildElements(TZmDOMNodeListBase& List, const TZmAnyText
   const TLookupRules rules = TLookupRules::Of(*this, Options);
   if (Options.Has(soRaise) || Options.Has(soCreate))
     throw Exception(u"It is not possible to specify either soRaise or soCreate!");
-  TNameTest names =
-      TNameTest::OfParts(rules.LocalNames ? String(u"*") : Prefix.Text(), LocalName.Text(), rules.Collation);
+  TNameTest names(rules.LocalNames ? String(u"*") : Prefix.Text(), LocalName.Text(), rules.Collation);
   EachElementFrom(*this, Recurse, [&](TZmDOMNode* node) {
     if (names.Matches(node)) List.Add(node, rdpLast);
   });

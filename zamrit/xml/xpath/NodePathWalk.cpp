@@ -5,6 +5,7 @@
 #include "zamrit/common/SysUtils.h"
 #include "zamrit/platform/ScanDetail.h"
 #include "zamrit/xml/xpath/NodePathDetail.h"
+#include "zamrit/xml/xpath/ParsingDetail.h"
 #include "zamrit/xml/xpath/PredicateDetail.h"
 
 namespace zm::detail {
@@ -13,25 +14,13 @@ using TKind = TDOMTree::TKind;
 
 // Sets and lists of nodes.
 
-bool TNodeSet::Insert(TZmDOMNode* Node) {
-  if (2 * FCount >= FSlots.size()) Grow();
-  std::size_t at = Slot(Node);
-  while (FSlots[at]) {
-    if (FSlots[at] == Node) return false;
-    at = (at + 1) & (FSlots.size() - 1);
-  }
-  FSlots[at] = Node;
-  ++FCount;
-  return true;
-}
-
 void TNodeSet::Grow() {
-  std::vector<TZmDOMNode*> old(FSlots.empty() ? 16 : 2 * FSlots.size());
-  old.swap(FSlots);
+  std::vector<TPage> old(FPages.empty() ? 16 : 2 * FPages.size());
+  old.swap(FPages);
   FShift = old.empty() ? 60 : FShift - 1;
   FCount = 0;
-  for (TZmDOMNode* const node : old)
-    if (node) Insert(node);
+  for (const TPage& page : old)
+    if (page.Number != 0) Page(page.Number) = page;
 }
 
 void TFoundNodes::StartChecking() {
@@ -78,19 +67,23 @@ bool TDescent::LeaveList() {
 // By counting: those of each parent keep their order.
 void TSweep::Order(std::vector<TZmDOMNode*>& Nodes, std::size_t From, std::size_t Parents) {
   std::vector<std::size_t> places(Parents + 1);
-  for (const std::size_t parent : FParents) ++places[parent + 1];
+  for (std::size_t i = 0; i + 1 < FGroups.size(); ++i)
+    places[FGroups[i].Parent + 1] += FGroups[i + 1].Begin - FGroups[i].Begin;
+  places[0] = From;
   std::partial_sum(places.begin(), places.end(), places.begin());
   const std::vector<TZmDOMNode*> found(Nodes.begin() + static_cast<std::ptrdiff_t>(From), Nodes.end());
-  for (std::size_t i = 0; i < found.size(); ++i) Nodes[From + places[FParents[i]]++] = found[i];
+  for (std::size_t i = 0; i + 1 < FGroups.size(); ++i) {
+    std::size_t& place = places[FGroups[i].Parent];
+    for (std::size_t at = FGroups[i].Begin; at < FGroups[i + 1].Begin; ++at) Nodes[place++] = found[at - From];
+  }
+
+  FGroups.clear();  // of each parent, its place is now where the next one begins
+  for (std::size_t parent = 0, begin = From; parent < Parents; begin = places[parent++])
+    if (begin < places[parent]) FGroups.push_back({parent, begin});
+  FGroups.push_back({Parents, Nodes.size()});
 }
 
 // The walk.
-
-namespace {
-
-constexpr int cDeepestGroup = 200;
-
-}  // namespace
 
 /// The contexts of a step, and where the walk stands in them.
 struct TPathWalk::TLevel {
@@ -98,8 +91,10 @@ struct TPathWalk::TLevel {
   TDescent Descent;                        // from the one in front of At
   bool WentBelow = true;                   // whether what is below the current node is still to come
   bool Sweeps = false;                     // whether all contexts below one are gathered at a time
+  bool PassesLeaves = false;               // nothing can come of contexts without children
   TNodeSet Seen;
   std::optional<TNameTest> Names;
+  std::vector<TPredicate> Predicates;  // that have been read
   std::unique_ptr<TGroup> Group;
 };
 
@@ -168,13 +163,14 @@ void TPathWalk::Enter(std::size_t Step, std::size_t Begin) {
   if (Step == FLevels.size()) {
     TLevel& made = FLevels.emplace_back();
     if (step.Kind == TStepKind::Elements)
-      made.Names = TNameTest::OfParts(step.Prefix, u"*", FRules.Collation);
+      made.Names.emplace(step.Prefix, u"*", FRules.Collation);
     else if (step.Kind == TStepKind::Named || step.Kind == TStepKind::Attributes || step.SeesUnnamedTwice)
-      made.Names = TNameTest::OfParts(step.Prefix, step.LocalName, FRules.Collation);
+      made.Names.emplace(step.Prefix, step.LocalName, FRules.Collation);
   }
   TLevel& level = FLevels[Step];
   level.Sweeps =
-      step.Deep && !step.Repeats && !FOwnLists && step.Predicates.empty() && !FRules.Create && !FRules.OneWillDo;
+      step.Deep && !step.Repeats && !FOwnLists && !step.SeesUnnamedTwice && !FRules.Create && !FRules.OneWillDo;
+  level.PassesLeaves = step.TakesChildren() && !FRules.Create;
   level.Begin = level.At = Begin;
   level.End = FContexts.size();
 }
@@ -183,6 +179,7 @@ void TPathWalk::Enter(std::size_t Step, std::size_t Begin) {
 ZM_INLINE TZmDOMNode* TPathWalk::NextContext(std::size_t Step) {
   const TNodeStep& step = FPath.Steps()[Step];
   TLevel& level = FLevels[Step];
+  const auto passes = [&](const TZmDOMNode* node) { return level.PassesLeaves && IsLeaf(node); };
   for (;;) {
     TZmDOMNode* node = level.Descent.Node();
     if (node) {
@@ -190,11 +187,12 @@ ZM_INLINE TZmDOMNode* TPathWalk::NextContext(std::size_t Step) {
         level.Descent.Next(level.WentBelow);
         node = level.Descent.Node();
         level.WentBelow = !(node && FRules.Created && FRules.Created->count(node) > 0);
-      } while (node && (IsAttribute(node) || !level.WentBelow));
+      } while (node && (IsAttribute(node) || !level.WentBelow || passes(node)));
       if (!node) continue;
     } else {
       if (level.At == level.End) return nullptr;
       node = FContexts[level.At++];
+      if (passes(node)) continue;
       if (step.Deep) level.Descent.Start(node);
     }
     level.WentBelow = !(step.Repeats || FOwnLists) || level.Seen.Insert(node);
@@ -210,11 +208,17 @@ void TPathWalk::Apply(std::size_t Step, TZmDOMNode* Context) {
   }
   std::vector<TZmDOMNode*>& out = step.IsLast ? FFound->Nodes : FContexts;
   const std::size_t from = out.size();
-  if (FLevels[Step].Sweeps && Sweep(Step, Context, out))
+  const bool swept = FLevels[Step].Sweeps && Sweep(Step, Context, out);
+  if (swept)
     FLevels[Step].Descent.Stop();
   else
     Gather(Step, Context, out);
-  if (!step.Predicates.empty()) Filter(step, out, from);
+  if (!step.Predicates.empty() && out.size() > from) {
+    if (swept)
+      FilterSwept(Step, out, from);
+    else
+      Filter(Step, out, from);
+  }
   if (FRules.Create && out.size() == from) CreateMissing(step, Context, out);
   if (step.IsLast) FFound->Check(from);
 }
@@ -251,7 +255,7 @@ ZM_INLINE void TPathWalk::Gather(std::size_t Step, TZmDOMNode* Context, std::vec
       EachChild(Context, TKind::All, [&](TZmDOMNode* node) { return take(node, IsText(node)); });
       break;
     case TStepKind::Attributes:
-      EachAttribute(Context, *level.Names, FRules.LocalNames, [&](TZmDOMNode* node) { Out.push_back(node); });
+      EachAttribute(Context, *level.Names, FRules.LocalNames, [&](TZmDOMNode* node) { return take(node, true); });
       break;
     case TStepKind::Self:
       Out.push_back(Context);
@@ -271,17 +275,19 @@ bool TPathWalk::Sweep(std::size_t Step, TZmDOMNode* Top, std::vector<TZmDOMNode*
   const TNodeStep& step = FPath.Steps()[Step];
   TLevel& level = FLevels[Step];
   const std::size_t from = Out.size();
+  const bool grouped = !step.Predicates.empty();
   if (step.Kind == TStepKind::Named)
-    level.Sweeps = FSweep.Run(Top, Out, [&](TZmDOMNode* node) { return IsNamed(node) && level.Names->Matches(node); });
+    level.Sweeps =
+        FSweep.Run(Top, grouped, Out, [&](TZmDOMNode* node) { return IsNamed(node) && level.Names->Matches(node); });
   else if (step.Kind == TStepKind::All)
-    level.Sweeps = FSweep.Run(Top, Out, [](TZmDOMNode* node) { return !IsAttribute(node); });
+    level.Sweeps = FSweep.Run(Top, grouped, Out, [](TZmDOMNode* node) { return !IsAttribute(node); });
   else if (step.Kind == TStepKind::Elements)
-    level.Sweeps = FSweep.Run(Top, Out, [&](TZmDOMNode* node) {
+    level.Sweeps = FSweep.Run(Top, grouped, Out, [&](TZmDOMNode* node) {
       return IsElement(node) && level.Names->Matches(node) &&
              (!IsDocument(Top) || node->GetParent() != Top || node == RootOf(Top));
     });
   else if (step.Kind == TStepKind::Texts)
-    level.Sweeps = FSweep.Run(Top, Out, [](TZmDOMNode* node) { return IsText(node); });
+    level.Sweeps = FSweep.Run(Top, grouped, Out, [](TZmDOMNode* node) { return IsText(node); });
   else
     level.Sweeps = false;
   if (!level.Sweeps) Out.resize(from);
@@ -291,7 +297,7 @@ bool TPathWalk::Sweep(std::size_t Step, TZmDOMNode* Top, std::vector<TZmDOMNode*
 // Without predicates it does no harm that a node which the group has led to before is not given again.
 void TPathWalk::GatherGroup(std::size_t Step, TZmDOMNode* Context, std::vector<TZmDOMNode*>& Out) {
   const TNodeStep& step = FPath.Steps()[Step];
-  if (FRules.Depth == cDeepestGroup) throw EZmDomSyntax(u"The XPath expression is nested too deeply!");
+  if (FRules.Depth >= cDeepestXPath) RaiseTooDeep();
   std::unique_ptr<TGroup>& group = FLevels[Step].Group;
   if (!group || !step.Predicates.empty()) group = std::make_unique<TGroup>(step, FRules);
   group->Walk.Run(Context, group->Found);
@@ -299,15 +305,34 @@ void TPathWalk::GatherGroup(std::size_t Step, TZmDOMNode* Context, std::vector<T
   group->Nodes.clear();
 }
 
-void TPathWalk::Filter(const TNodeStep& Step, std::vector<TZmDOMNode*>& Nodes, std::size_t From) const {
-  const auto begin = Nodes.begin() + static_cast<std::ptrdiff_t>(From);
-  TZmDOMObjectList candidates(begin, Nodes.end());
-  for (const StringView predicate : Step.Predicates) {
-    if (candidates.empty()) break;
-    FilterByPredicate(candidates, predicate, FRules.LocalNames, FRules.Collation);
+// A predicate is read when the first candidates come to it.
+void TPathWalk::Filter(std::size_t Step, std::vector<TZmDOMNode*>& Nodes, std::size_t From) {
+  const TNodeStep& step = FPath.Steps()[Step];
+  std::vector<TPredicate>& predicates = FLevels[Step].Predicates;
+  FCandidates.assign(Nodes.begin() + static_cast<std::ptrdiff_t>(From), Nodes.end());
+  Nodes.resize(From);  // at once: a predicate may raise
+  for (std::size_t i = 0; i < step.Predicates.size() && !FCandidates.empty(); ++i) {
+    if (i == predicates.size())
+      predicates.emplace_back(step.Predicates[i], FRules.LocalNames, FRules.Collation, FRules.Depth + 1);
+    predicates[i].Filter(FCandidates, FKept);
   }
-  Nodes.resize(From);
-  for (TZmDOMObject* const object : candidates) Nodes.push_back(static_cast<TZmDOMNode*>(object));
+  for (TZmDOMObject* const object : FCandidates) Nodes.push_back(static_cast<TZmDOMNode*>(object));
+}
+
+// The children of each parent are the candidates of one context.
+void TPathWalk::FilterSwept(std::size_t Step, std::vector<TZmDOMNode*>& Nodes, std::size_t From) {
+  const auto swept = Nodes.begin() + static_cast<std::ptrdiff_t>(From);
+  FSwept.assign(swept, Nodes.end());
+  Nodes.erase(swept, Nodes.end());
+  const std::vector<TSweep::TGroup>& groups = FSweep.Groups();
+  for (std::size_t i = 0; i + 1 < groups.size(); ++i) {
+    const std::size_t begin = Nodes.size();
+    const auto at = [&](std::size_t group) {
+      return FSwept.begin() + static_cast<std::ptrdiff_t>(groups[group].Begin - From);
+    };
+    Nodes.insert(Nodes.end(), at(i), at(i + 1));
+    Filter(Step, Nodes, begin);
+  }
 }
 
 void TPathWalk::CreateMissing(const TNodeStep& Step, TZmDOMNode* Context, std::vector<TZmDOMNode*>& Out) const {
@@ -341,27 +366,25 @@ struct TPathSelection::TAlternative {
   TPathWalk Walk;
 };
 
-TPathSelection::TPathSelection(String Path, const TWalkRules& Rules) : FRules(Rules) {
+TPathSelection::TPathSelection(String Path, const TWalkRules& Rules) : FPath(std::move(Path)), FRules(Rules) {
   if (FRules.Create) FRules.Created = &FCreated;
-  if (Path.find(u'|') != String::npos)
-    FParts = ZmTokenize(Path, u"|");
-  else
-    FParts.push_back(std::move(Path));
+  if (FPath.find(u'|') != String::npos) FParts = ZmTokenize(FPath, u"|");
 }
 
 TPathSelection::~TPathSelection() = default;
 
 void TPathSelection::Run(TZmDOMNode* From, std::vector<TZmDOMNode*>& Nodes) {
   TFoundNodes found(Nodes);
-  for (std::size_t i = 0; i < FParts.size(); ++i) {
-    if (i == FAlternatives.size()) FAlternatives.emplace_back(Trim(FParts[i]), FRules);
-    TAlternative& alternative = FAlternatives[i];
+  auto alternative = FAlternatives.begin();
+  for (std::size_t i = 0; i < std::max<std::size_t>(FParts.size(), 1); ++i, ++alternative) {
+    if (alternative == FAlternatives.end())
+      alternative = FAlternatives.emplace(alternative, Trim(FParts.empty() ? FPath : FParts[i]), FRules);
     if (!Nodes.empty()) found.StartChecking();
-    if (alternative.IsStart) {
+    if (alternative->IsStart) {
       found.Append(From);
-    } else if (TZmDOMNode* const start = alternative.IsRooted ? From->GetDOMDocument() : From) {
-      alternative.Walk.Forget();
-      alternative.Walk.Run(start, found);
+    } else if (TZmDOMNode* const start = alternative->IsRooted ? From->GetDOMDocument() : From) {
+      alternative->Walk.Forget();
+      alternative->Walk.Run(start, found);
     }
     if (FRules.FirstOnly && !Nodes.empty()) return;
   }
