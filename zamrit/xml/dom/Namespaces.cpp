@@ -208,12 +208,12 @@ void TDOMTree::RefreshScope(TZmDOMElement* Element, TDOMScope* Up) {
     Element->FScope = Up;  // it is in the document, also where memory runs out
     const bool loaded = document && Home(document).Loading;
     std::unique_ptr<TDOMScope> made;
-    if (!loaded) made.reset(new TDOMScope{nullptr, nullptr, Element, false, {}, nullptr, {}, {}});
+    if (!loaded) made = std::make_unique<TDOMScope>(TDOMScope{nullptr, nullptr, Element, false, {}, nullptr, {}, {}});
     TDOMScope* const scope = loaded ? Home(document).NewScope(Element) : made.get();
     FillScope(Element, *scope);
     if (!loaded) Spoil(document);
     Element->FScope = scope;
-    made.release();
+    static_cast<void>(made.release());
     Element->FFlags |= dfOwnScope;
   }
   Element->FScope->ForgetSearches();

@@ -236,6 +236,8 @@ struct TZmXPathValueComparison::TSide {
 };
 
 struct TZmXPathValueComparison::TSides {
+  TSides(TZmXPathBaseTerm& Value1, TZmXPathBaseTerm& Value2) : Left(Value1), Right(Value2) {}
+
   TSide Left, Right;
 };
 
@@ -357,7 +359,7 @@ TZmXPathValueComparison::~TZmXPathValueComparison() = default;
 
 TTruth TZmXPathValueComparison::Truth(const TZmDOMObjectList& List, int Position) {
   constexpr std::size_t many = 10000;  // pairs, from which on it pays to put the values in order
-  if (!FSides) FSides.reset(new TSides{TSide(*FValue1), TSide(*FValue2)});
+  if (!FSides) FSides = std::make_unique<TSides>(*FValue1, *FValue2);
   const TZmXPathCollationClass collation = FEquation->GetCollation();
   if (FSides->Left.IsPath && FSides->Right.IsConstant) {
     TTruth truth = TTruth::Empty;

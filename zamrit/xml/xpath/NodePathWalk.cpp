@@ -137,6 +137,7 @@ void TPathWalk::Forget() {
 void TPathWalk::Run(TZmDOMNode* Start, TFoundNodes& Found) {
   FFound = &Found;
   if (FPath.FindsTwice()) Found.StartChecking();
+  FContexts.reserve(16);
   FContexts.assign(1, Start);
   std::size_t step = 0;
   Enter(step, 0);
