@@ -129,8 +129,8 @@ void TZmDOMObject::Free() {
   if (impl && impl->IsHeld())
     throw Exception(u"An instance of %s is destroyed while it's refcount is not 0!", {ClassName()});
   BeforeDestruction();
-  if (auto* const node = dynamic_cast<TZmDOMNode*>(this))
-    TDOMTree::Destroy(node);
+  if (HasFlag(detail::dfArena))  // of nodes alone
+    TDOMTree::Destroy(static_cast<TZmDOMNode*>(this));
   else
     delete this;
 }

@@ -6,11 +6,33 @@
 #include <memory>
 #include <optional>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "zamrit/xml/dom/LookupDetail.h"
 
 namespace zm::detail {
+
+/// A vector that begins with the memory of the last one of its kind in this thread, if that was small: paths are mostly
+/// short, and used once.
+template <class T, int Kind = 0>
+class TReusedVector : public std::vector<T> {
+ public:
+  TReusedVector() : std::vector<T>(std::move(Spare())) {}
+  ~TReusedVector() {
+    constexpr std::size_t most = 16;
+    this->clear();
+    if (this->capacity() <= most) Spare().swap(*this);
+  }
+  TReusedVector(const TReusedVector&) = delete;
+  TReusedVector& operator=(const TReusedVector&) = delete;
+
+ private:
+  static std::vector<T>& Spare() {
+    thread_local std::vector<T> spare;
+    return spare;
+  }
+};
 
 /// What a step of a path takes from its context.
 enum class TStepKind : std::uint8_t { Group, All, Texts, Attributes, Elements, Named, Self, Parent, Nothing };
@@ -46,7 +68,7 @@ class TNodePath {
   bool CannotRaise() const;
 
  private:
-  std::vector<TNodeStep> FSteps;
+  TReusedVector<TNodeStep> FSteps;
   bool FFindsTwice = false;
 };
 
@@ -323,12 +345,13 @@ class TPathWalk {
   const TNodePath& FPath;
   TWalkRules FRules;
   TFoundNodes* FFound = nullptr;
-  std::vector<TLevel> FLevels;         // of the steps that the walk has been at
-  std::vector<TZmDOMNode*> FContexts;  // of all levels in turn
+  TReusedVector<TLevel> FLevels;         // of the steps that the walk has been at
+  TReusedVector<TZmDOMNode*> FContexts;  // of all levels in turn
   TSweep FSweep;
-  std::vector<TZmDOMNode*> FSwept;      // what is to be filtered
-  TZmDOMObjectList FCandidates, FKept;  // of the predicates
-  bool FOwnLists = false;               // children have been seen whose list is not the chain, and may hold anything
+  std::vector<TZmDOMNode*> FSwept;              // what is to be filtered
+  TReusedVector<TZmDOMObject*, 0> FCandidates;  // of the predicates
+  TReusedVector<TZmDOMObject*, 1> FKept;
+  bool FOwnLists = false;  // children have been seen whose list is not the chain, and may hold anything
 };
 
 /// A path with its alternatives, which can be followed from one node after the other as long as no node is renamed.
