@@ -46,8 +46,8 @@ void RequireFixedPoint(TZmDOMDocument& Document, bool Kept) {
   const std::string first = Saved(Document);
   TZmDOMDocument second, third, wide, formatted;
   const bool again = Load(second, first);
-  Require(again || !Kept);
-  if (!again) return;
+  Require((again && second.GetRootNode()) || !Kept);
+  if (!again || !second.GetRootNode()) return;
   const std::string saved = Saved(second);
   Require(Load(third, saved));
   Require(Saved(third) == saved);
