@@ -29,6 +29,12 @@ std::string Found(StringView Path, TZmJDOCSelectOptions Options = {}) {
   return Found(*TZmJSONDocument::CreateFromJSON(cStore), Path, Options);
 }
 
+String Repeated(StringView Text, std::size_t Count) {
+  String text;
+  for (std::size_t i = 0; i < Count; ++i) text += Text;
+  return text;
+}
+
 }  // namespace
 
 TEST(JSONPath, Selects) {
@@ -168,31 +174,47 @@ TEST(JSONPath, Creates) {
 }
 
 TEST(JSONPath, TextsThatNestOrRepeatHaveNoLimit) {
-  const auto repeated = [](StringView Text, std::size_t Count) {
-    String text;
-    for (std::size_t i = 0; i < Count; ++i) text += Text;
-    return text;
-  };
   const std::size_t many = 100000;
   const auto document = TZmJSONDocument::CreateFromJSON(u"[[[1]],{\"a\":1}]");
   const struct {
     String Path;
     const char* Found;
   } cases[] = {
-      {u"$" + repeated(u"[", many), "[]"},
-      {u"$" + repeated(u"[0]", many), "[]"},
-      {u"$" + repeated(u"..*", many), "[]"},
-      {u"$[?(" + repeated(u"(", many) + u"@.a" + repeated(u")", many) + u")]", "[{\"a\": 1}]"},
-      {u"$[?(" + repeated(u"!", many) + u"@.a)]", "[{\"a\": 1}]"},
-      {u"$[?(@.a" + repeated(u"&&@.a", many) + u")]", "[{\"a\": 1}]"},
-      {u"$[?(@.a" + repeated(u"||@.b&&@.a", many) + u")]", "[{\"a\": 1}]"},
-      {u"$[?(" + repeated(u")", many) + u")]", "17: The specified script"},
-      {u"$[?(" + repeated(u"@[?(", 2000), "["},
+      {u"$" + Repeated(u"[", many), "[]"},
+      {u"$" + Repeated(u"[0]", many), "[]"},
+      {u"$" + Repeated(u"..*", many), "[]"},
+      {u"$[?(" + Repeated(u"(", many) + u"@.a" + Repeated(u")", many) + u")]", "[{\"a\": 1}]"},
+      {u"$[?(" + Repeated(u"!", many) + u"@.a)]", "[{\"a\": 1}]"},
+      {u"$[?(@.a" + Repeated(u"&&@.a", many) + u")]", "[{\"a\": 1}]"},
+      {u"$[?(@.a" + Repeated(u"||@.b&&@.a", many) + u")]", "[{\"a\": 1}]"},
+      {u"$[?(" + Repeated(u")", many) + u")]", "17: The specified script"},
+      {u"$[?(" + Repeated(u"@[?(", 2000), "["},
   };
-  const auto deep = TZmJSONDocument::CreateFromJSON(repeated(u"[", many) + repeated(u"]", many));
+  const auto deep = TZmJSONDocument::CreateFromJSON(Repeated(u"[", many) + Repeated(u"]", many));
   EXPECT_EQ(deep->CreateNodeList(u"$..*[?($[0])]")->Count(), static_cast<int>(many) - 2);
   for (const auto& c : cases)
     EXPECT_EQ(Found(*document, c.Path).substr(0, std::string(c.Found).size()), c.Found) << ToUTF8(c.Path.substr(0, 20));
+}
+
+TEST(JSONPath, WaysToANodeAreCountedButNotGone) {
+  EXPECT_EQ(Found(*TZmJSONDocument::CreateFromJSON(u"{\"a\":[{\"a\":{\"a\":1}}]}"), u"$..a..a"), "[{\"a\": 1}, 1, 1]");
+  const auto document = TZmJSONDocument::CreateFromJSON(Repeated(u"{\"a\":", 60) + u"1" + Repeated(u"}", 60));
+  EXPECT_EQ(document->CreateNodeList(u"$" + Repeated(u"..a", 4))->Count(), 487635);
+  const char* const tooComplex = "17: The specified script expression is too complex or not valid!";
+  const struct {
+    String Path;
+    TZmJDOCSelectOptions Options;
+    const char* Found;
+  } cases[] = {
+      {u"$" + Repeated(u"..a", 60), {}, "[1]"},
+      {u"$" + Repeated(u"..a", 30) + u"..b", {}, "[]"},
+      {u"$" + Repeated(u"..a", 30), {}, tooComplex},
+      {u"$" + Repeated(u"['a','a']", 25), {}, tooComplex},
+      {u"$" + Repeated(u"..*[?(@", 20) + u"..b" + String(20, u'b'), {}, "[]"},
+      {u"$" + Repeated(u"..*[?(@", 21) + u"..b" + String(21, u'b'), {}, tooComplex},
+      {u"$" + Repeated(u"['x','y']", 25), {jsoCreate}, tooComplex},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Found(*document, c.Path, c.Options), c.Found) << ToUTF8(c.Path);
 }
 
 TEST(JSONPath, ChainsGoByTheirSuffixes) {

@@ -64,9 +64,14 @@ std::size_t EndOfBrackets(StringView Text) {
   }
 }
 
-constexpr int cDeepestFilter = 200;
+constexpr int cDeepestFilter = 20;
+// What steps that come to the same nodes again may find, make and remember; it could be exponential otherwise.
+constexpr std::size_t cMostRepeated = std::size_t{1} << 24;
+constexpr std::size_t cMostMade = std::size_t{1} << 16;
 
 }  // namespace
+
+void RaiseTooComplex() { throw EZmJSONException(_cZmJSONScriptExprTooComplex, 17); }
 
 TChildCursor::TChildCursor(TJSONNode* Container)
     : Node(Container),
@@ -120,6 +125,11 @@ TPathStep& TPathAlternative::Step(std::size_t Index) {
   else
     step.Items.push_back(MakeItem(cut));
   step.End = start + end;
+  if (Index > 0) {
+    const TPathStep& before = FSteps[Index - 1];
+    step.BehindDescent = before.BehindDescent || before.Recursive;
+    step.Repeats = before.Repeats || before.Items.size() > 1 || (step.Recursive && step.BehindDescent);
+  }
   FSteps.push_back(std::move(step));
   return FSteps.back();
 }
@@ -128,10 +138,11 @@ struct TJSONPath::TTask {
   TJSONNode* Node;
   std::size_t Step;
   std::optional<TChildCursor> Children;  // of the node, each of which the step is to be applied to
+  bool Ends = false;                     // what has been found since the step came to the node is its outcome
 };
 
 TJSONPath::TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth) : FOptions(Options), FDepth(Depth) {
-  if (Depth > cDeepestFilter) throw EZmJSONException(_cZmJSONScriptExprTooComplex, 17);
+  if (Depth > cDeepestFilter) RaiseTooComplex();
   if (Text.find(u" | ") == StringView::npos) {
     FParts.push_back({String(Trim(Text)), {}});
   } else {
@@ -177,35 +188,63 @@ void TJSONPath::Run(TPathAlternative& Path, TJSONNode* Start, std::vector<TJSONN
     for (TJSONNode* const node : FFresh) node->Flags &= ~std::uint32_t{jfFresh};
     FFresh.clear();
     FTasks.clear();
+    if (!FKnown.empty()) FKnown = {};
   });
   FTasks.push_back({Start, 0, {}});
   while (!FTasks.empty()) {
-    if (FTasks.back().Children) {
-      TTask& descent = FTasks.back();
-      if (TJSONNode* const child = NextChild(*descent.Children); !child)
+    TTask& task = FTasks.back();
+    if (task.Children) {
+      if (TJSONNode* const child = NextChild(*task.Children); !child)
         FTasks.pop_back();
       else if (!child->Has(jfFresh))  // or it would be created in without end
-        FTasks.push_back({child, descent.Step, {}});
+        FTasks.push_back({child, task.Step, {}});
       continue;
     }
-    TJSONNode* const node = FTasks.back().Node;
-    const std::size_t index = FTasks.back().Step;
+    const TTask now = task;
     FTasks.pop_back();
-    if (Path.IsEnd(index)) {
-      Found.push_back(node);
-      continue;
-    }
-    if (!HasChildren(node) && !node->Has(jfFresh)) continue;
-    TPathStep& step = Path.Step(index);
-    FList.clear();
-    for (TPathItem& item : step.Items) Use(item, node);
-    if (step.Recursive && HasChildren(node)) FTasks.push_back({node, index, TChildCursor(node)});
-    if (Path.IsEnd(index + 1)) {
-      Found.insert(Found.end(), FList.begin(), FList.end());
-    } else {
-      for (std::size_t i = FList.size(); i-- > 0;) FTasks.push_back({FList[i], index + 1, {}});
-    }
+    if (now.Ends)
+      FKnown.find({now.Step, now.Node})->second.End = Found.size();
+    else if (Path.IsEnd(now.Step))
+      Found.push_back(now.Node);
+    else if (HasChildren(now.Node) || now.Node->Has(jfFresh))
+      Take(Path, now.Step, now.Node, Found);
   }
+}
+
+void TJSONPath::Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node, std::vector<TJSONNode*>& Found) {
+  TPathStep& step = Path.Step(Index);
+  if (step.Repeats) {
+    if (FindAgain({Index, Node}, Found)) return;
+    FTasks.push_back({Node, Index, {}, true});
+  }
+  FList.clear();
+  for (TPathItem& item : step.Items) Use(item, Node);
+  if (step.Repeats && FFresh.size() > cMostMade) RaiseTooComplex();
+  if (step.Recursive && HasChildren(Node)) FTasks.push_back({Node, Index, TChildCursor(Node)});
+  if (Path.IsEnd(Index + 1)) {
+    Found.insert(Found.end(), FList.begin(), FList.end());
+  } else {
+    for (std::size_t i = FList.size(); i-- > 0;) FTasks.push_back({FList[i], Index + 1, {}});
+  }
+}
+
+// Steps that descend, one behind the other, come to a node as often as there are ways to share out the levels above it.
+// What lies behind is found the first time, and copied from then on as long as nothing is made.
+bool TJSONPath::FindAgain(TStepAtNode Key, std::vector<TJSONNode*>& Found) {
+  const std::size_t size = Found.size(), made = FFresh.size();
+  const auto [known, isNew] = FKnown.try_emplace(Key, TOutcome{made, size, size});
+  if (FKnown.size() > cMostRepeated) RaiseTooComplex();
+  TOutcome& outcome = known->second;
+  if (isNew || outcome.Made != made) {
+    outcome = {made, size, size};
+    return false;
+  }
+  const std::size_t count = outcome.End - outcome.Begin;
+  if (count > 0 && size + count > cMostRepeated) RaiseTooComplex();
+  Found.resize(size + count);
+  std::copy_n(Found.begin() + static_cast<std::ptrdiff_t>(outcome.Begin), count,
+              Found.begin() + static_cast<std::ptrdiff_t>(size));
+  return true;
 }
 
 void TJSONPath::Use(TPathItem& Item, TJSONNode* Node) {
@@ -225,7 +264,7 @@ void TJSONPath::Use(TPathItem& Item, TJSONNode* Node) {
 }
 
 void TJSONPath::UseFilter(TPathItem& Item, TJSONNode* Node) {
-  if (!Item.Filter)
+  if (!Item.Filter || !FFresh.empty())  // it remembers what held before
     Item.Filter = std::make_unique<TPathFilter>(Item.Text, FOptions.Has(jsoCaseInsensitive), FDepth + 1);
   if (!HasChildren(Node)) return;
   TChildCursor children(Node);
@@ -247,7 +286,7 @@ std::int64_t TJSONPath::IndexOf(StringView Expression, TJSONNode* Node) {
     rest = StringReplace(text, u"@.length", u"", {rfIgnoreCase});
   }
   std::int32_t number = 0;
-  if (!TryStrToInt(rest, number)) throw EZmJSONException(_cZmJSONScriptExprTooComplex, 17);
+  if (!TryStrToInt(rest, number)) RaiseTooComplex();
   return base + number;
 }
 

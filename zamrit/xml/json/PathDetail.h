@@ -4,6 +4,8 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "zamrit/platform/TextDetail.h"
@@ -19,6 +21,8 @@ struct TJSONSelection {
   TJSONTree* Tree;                ///< theirs, or nil where there may be several
 };
 TJSONSelection SelectJSON(TZmJSONBase& Start, StringView Path, TZmJDOCSelectOptions Options);
+
+[[noreturn]] void RaiseTooComplex();
 
 /// The character of a text, both halves of a pair; empty at the end.
 inline StringView CharAt(StringView Text, std::size_t At) {
@@ -42,6 +46,8 @@ struct TPathItem {
 
 struct TPathStep {
   bool Recursive = false;
+  bool BehindDescent = false;  // a step before it is recursive
+  bool Repeats = false;        // can come to the same node again
   std::vector<TPathItem> Items;
   std::size_t End = 0;  // where the rest of the path begins
 };
@@ -87,8 +93,20 @@ class TJSONPath {
 
  private:
   struct TTask;
+  struct TOutcome {
+    std::size_t Made;        // nodes, when a step came to a node
+    std::size_t Begin, End;  // in what is found, of what the path from that step on has led to
+  };
+  using TStepAtNode = std::pair<std::size_t, const TJSONNode*>;
+  struct THash {
+    std::size_t operator()(const TStepAtNode& Key) const {
+      return std::hash<const TJSONNode*>()(Key.second) * 31 + Key.first;
+    }
+  };
 
   void Run(TPathAlternative& Path, TJSONNode* Start, std::vector<TJSONNode*>& Found);
+  void Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node, std::vector<TJSONNode*>& Found);
+  bool FindAgain(TStepAtNode Key, std::vector<TJSONNode*>& Found);
   void Use(TPathItem& Item, TJSONNode* Node);
   void UseFilter(TPathItem& Item, TJSONNode* Node);
   void UseSlice(StringView Text, TJSONNode* Node);
@@ -115,6 +133,7 @@ class TJSONPath {
   std::vector<TJSONNode*> FList;
   std::vector<TJSONNode*> FFresh;
   std::vector<TTask> FTasks;
+  std::unordered_map<TStepAtNode, TOutcome, THash> FKnown;  // where steps come to a node again
 };
 
 }  // namespace zm::detail

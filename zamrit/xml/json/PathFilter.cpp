@@ -13,8 +13,6 @@ namespace zm::detail {
 
 namespace {
 
-[[noreturn]] void RaiseTooComplex() { throw EZmJSONException(_cZmJSONScriptExprTooComplex, 17); }
-
 /// What an operand can be compared as.
 struct TReading {
   std::int32_t Integer = 0;
@@ -175,13 +173,16 @@ TPathFilter::TOperand TPathFilter::MakeOperand(StringView Text, bool IgnoreCase)
 }
 
 bool TPathFilter::Holds(TJSONTree& Tree, TJSONNode* Node, TJSONRoot* Root) {
+  if (FDepth > 1)
+    if (const auto known = FKnown.find(Node); known != FKnown.end()) return known->second;
   FTree = &Tree;
   FRoot = Root;
   FNode = Node;
   FInvalid = false;
   ++FRound;
-  const bool holds = Chain(0);
-  return holds && !FInvalid;
+  const bool chain = Chain(0), holds = chain && !FInvalid;
+  if (FDepth > 1) FKnown.emplace(Node, holds);
+  return holds;
 }
 
 TPathFilter::TTerm& TPathFilter::Fresh(int Term) {

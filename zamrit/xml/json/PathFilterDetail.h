@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "zamrit/platform/Strings.h"
@@ -21,7 +22,8 @@ struct TJSONRoot {
 
 /// The expression of a filter, made of terms in chains. The terms of a chain are joined by "&&" and "||" without
 /// precedence: the first term is joined with the chain that begins at the second, the outcome with the chain that
-/// begins at the third, and so on.
+/// begins at the third, and so on. A filter inside another remembers what it held for: a tree that changes needs a new
+/// one.
 class TPathFilter {
  public:
   /// The text of the item, "?(" and all. Depth counts the filters that it stands in.
@@ -70,6 +72,7 @@ class TPathFilter {
   TJSONNode* FNode = nullptr;
   TJSONRoot* FRoot = nullptr;
   std::vector<TJSONNode*> FFound;
+  std::unordered_map<const TJSONNode*, bool> FKnown;  // where it stands in another filter, which may come again
 };
 
 }  // namespace zm::detail
