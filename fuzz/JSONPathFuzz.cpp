@@ -10,8 +10,6 @@
 
 using namespace zm;
 
-namespace {}  // namespace
-
 // The first byte chooses the options, the path ends at the first line break.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size) {
   if (Size < 1) return 0;

@@ -3,16 +3,18 @@
 #include <chrono>
 #include <cstddef>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/Exceptions.h"
 #include "zamrit/platform/TimeZone.h"
 
 namespace zm {
+
+using detail::IsDigit;
+
 namespace {
 
 constexpr int cGreatestOffset = 14 * 60;
 constexpr std::int64_t cMillisecondsADay = 86'400'000;
-
-bool IsDigit(char16_t C) { return C >= u'0' && C <= u'9'; }
 
 // A cursor over the text of a date and time. What is refused leaves false.
 class TDecoder {

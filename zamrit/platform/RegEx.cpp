@@ -7,12 +7,16 @@
 #include <new>
 #include <utility>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/TextDetail.h"
 
 #define PCRE2_CODE_UNIT_WIDTH 16
 #include <pcre2.h>
 
 namespace zm {
+
+using detail::IsDigit;
+
 namespace {
 
 constexpr std::uint32_t cMatchLimit = 10'000'000;
@@ -235,8 +239,6 @@ struct TPiece {
 
 // Longer than any name of a group; without it, braces that are never closed would cost quadratic time.
 constexpr std::size_t cLongestReference = 160;
-
-bool IsDigit(char16_t C) { return C >= u'0' && C <= u'9'; }
 
 // Takes the number of a group off a text that begins with a digit.
 std::int64_t TakeGroupNumber(StringView& Text, std::int64_t GroupCount) {

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <initializer_list>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/Exceptions.h"
 #include "zamrit/platform/TextDetail.h"
 
@@ -30,8 +31,6 @@ String MapCodePoints(StringView Text, F Map) {
   }
   return out;
 }
-
-char16_t LowerASCII(char16_t C) { return C >= 'A' && C <= 'Z' ? static_cast<char16_t>(C + 32) : C; }
 
 }  // namespace
 
@@ -136,7 +135,7 @@ bool SameText(StringView Left, StringView Right) {
       if (i > 0) --i;  // a pair may differ in its low half alone
       return FoldCase(Left.substr(i)) == FoldCase(Right.substr(i));
     }
-    if (LowerASCII(Left[i]) != LowerASCII(Right[i])) return false;
+    if (detail::LowerASCII(Left[i]) != detail::LowerASCII(Right[i])) return false;
   }
   return true;
 }

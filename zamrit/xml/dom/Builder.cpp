@@ -1,6 +1,6 @@
-#include <algorithm>
 #include <limits>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/xml/dom/BuilderDetail.h"
 #include "zamrit/xml/dom/TreeReaderDetail.h"
@@ -129,16 +129,11 @@ void TTreeBuilder::LinkNamespace(TZmDOMElement* Element) {
 
 namespace {
 
-bool IsASCII(StringView Text) {
-  return std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; });
-}
-
 /// Gives the prefix that each declaration of an element declares.
 template <class F>
 void EachDeclared(const TZmDOMElement* Element, F Use) {
   for (TZmDOMAttribute& attribute : TDOMTree::AttributesOf(const_cast<TZmDOMElement*>(Element)))
-    if (TDOMTree::Has(&attribute, dfDeclaration))
-      Use(attribute, attribute.GetPrefix().empty() ? StringView() : attribute.GetLocalName());
+    if (TDOMTree::Has(&attribute, dfDeclaration)) Use(attribute, TDOMTree::DeclaredPrefix(&attribute));
 }
 
 }  // namespace

@@ -3,16 +3,18 @@
 #include <algorithm>
 #include <vector>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/ScanDetail.h"
 #include "zamrit/platform/Unicode.h"
 
 namespace zm {
 
+using detail::IsASCII;
+using detail::LowerASCII;
+using detail::UpperASCII;
+
 namespace {
 
-char16_t LowerASCII(char16_t C) { return C >= u'A' && C <= u'Z' ? static_cast<char16_t>(C | 0x20) : C; }
-
-char16_t UpperASCII(char16_t C) { return C >= u'a' && C <= u'z' ? static_cast<char16_t>(C & ~0x20) : C; }
 char16_t Same(char16_t C) { return C; }
 
 /// For each start of the text how long the longest end of it is that is a start of the whole text, too.
@@ -70,7 +72,7 @@ class TIgnoringCase final : public TZmXPathCollation {
   int Pos(StringView SubStr, StringView Str) const override {
     if (SubStr.empty()) return 0;
     const char16_t lower = LowerASCII(SubStr[0]);
-    return PosOf(SubStr, Str, lower == SubStr[0] ? UpperASCII(lower) : lower, LowerASCII);
+    return PosOf(SubStr, Str, lower == SubStr[0] ? UpperASCII(lower) : lower, LowerASCII<char16_t>);
   }
 };
 
@@ -84,10 +86,6 @@ class TMindingCase final : public TZmXPathCollation {
 
 constexpr TIgnoringCase IgnoringCase;
 constexpr TMindingCase MindingCase;
-
-bool IsASCII(StringView Text) {
-  return std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; });
-}
 
 }  // namespace
 

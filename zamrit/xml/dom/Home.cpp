@@ -1,16 +1,13 @@
 #include <algorithm>
 #include <functional>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/dom/TreeDetail.h"
 
 namespace zm::detail {
 
 namespace {
-
-bool IsASCII(StringView Text) {
-  return std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; });
-}
 
 /// A name record and its texts at To, which has room for SizeOf of them.
 std::size_t SizeOf(StringView Prefix, StringView LocalName) {

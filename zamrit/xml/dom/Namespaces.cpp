@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/xml/dom/TreeDetail.h"
 
@@ -20,21 +21,9 @@ bool Declares(const TZmDOMAttribute* Attribute, StringView Prefix, TZmXPathColla
          Collation->SameText(Attribute->GetPrefix(), u"xmlns");
 }
 
-}  // namespace
-
-namespace {
-
 constexpr std::size_t cManyDeclarations = 16;
 
-StringView PrefixOf(const TZmDOMAttribute* Declaration) {
-  return Declaration->GetPrefix().empty() ? StringView() : Declaration->GetLocalName();
-}
-
-bool IsASCII(StringView Text) {
-  return std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; });
-}
-
-String KeyOf(const TZmDOMAttribute* Declaration) { return LowerCase(PrefixOf(Declaration)); }
+String KeyOf(const TZmDOMAttribute* Declaration) { return LowerCase(TDOMTree::DeclaredPrefix(Declaration)); }
 
 TZmDOMAttribute* FindOwn(TDOMScope& Scope, StringView Prefix, TZmXPathCollationClass Collation) {
   if (Scope.Own.size() > cManyDeclarations && IsASCII(Prefix)) {
@@ -42,7 +31,7 @@ TZmDOMAttribute* FindOwn(TDOMScope& Scope, StringView Prefix, TZmXPathCollationC
       auto known = std::make_unique<std::unordered_map<String, TZmDOMAttribute*>>();
       bool ascii = true;
       for (TZmDOMAttribute* const declaration : Scope.Own) {
-        ascii = ascii && IsASCII(PrefixOf(declaration));
+        ascii = ascii && IsASCII(TDOMTree::DeclaredPrefix(declaration));
         (*known)[KeyOf(declaration)] = declaration;
       }
       if (!ascii) known->clear();
@@ -58,6 +47,10 @@ TZmDOMAttribute* FindOwn(TDOMScope& Scope, StringView Prefix, TZmXPathCollationC
 }
 
 }  // namespace
+
+StringView TDOMTree::DeclaredPrefix(const TZmDOMAttribute* Declaration) {
+  return Declaration->GetPrefix().empty() ? StringView() : Declaration->GetLocalName();
+}
 
 void TDOMScope::Add(TZmDOMAttribute* Declaration, bool InFront) {
   Own.insert(InFront ? Own.begin() : Own.end(), Declaration);
@@ -78,7 +71,7 @@ void TDOMScope::Remove(const TZmDOMNode* Declaration) noexcept {
 void TDOMScope::NoteName(TZmDOMAttribute* Declaration) noexcept {
   ForgetSearches();
   if (!ByPrefix || ByPrefix->empty()) return;
-  if (!IsASCII(PrefixOf(Declaration))) return ByPrefix->clear();
+  if (!IsASCII(TDOMTree::DeclaredPrefix(Declaration))) return ByPrefix->clear();
   try {
     if (ByPrefix->emplace(KeyOf(Declaration), Declaration).second) return;
   } catch (...) {
@@ -185,7 +178,8 @@ TZmDOMAttribute* TDOMTree::FindNamespaceURI(TZmDOMElement* Element, StringView U
     for (std::size_t i = scope->Own.size(); i-- > 0;) {
       TZmDOMAttribute* const declaration = scope->Own[i];
       // It may be covered by a nearer declaration of the same prefix.
-      if (test.Matches(declaration) && FindPrefix(Element->FScope, PrefixOf(declaration)) == declaration)
+      if (test.Matches(declaration) &&
+          FindPrefix(Element->FScope, TDOMTree::DeclaredPrefix(declaration)) == declaration)
         return declaration;
     }
   return nullptr;

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "zamrit/common/ZmTypes.h"
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/xml/dom/LookupDetail.h"
 
 namespace zm {
@@ -12,12 +13,6 @@ using detail::TNameTest;
 using TKind = TDOMTree::TKind;
 
 namespace detail {
-
-namespace {
-
-char16_t LowerASCII(char16_t C) { return C >= u'A' && C <= u'Z' ? static_cast<char16_t>(C | 0x20) : C; }
-
-}  // namespace
 
 TLookupRules TLookupRules::Of(const TZmDOMObject& Object, TZmDOMSelectOptions Options) {
   const bool sensitive = Options.Has(soCaseSensitive), insensitive = Options.Has(soCaseInsensitive);
@@ -35,9 +30,9 @@ TLookupRules TLookupRules::Of(const TZmDOMObject& Object, TZmDOMSelectOptions Op
 TTextTest::TTextTest(StringView Text, TZmXPathCollationClass Collation)
     : FText(Text),
       FCollation(Collation),
-      FIsASCII(Collation->IsBuiltIn() && std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; })),
+      FIsASCII(Collation->IsBuiltIn() && IsASCII(Text)),
       FIsFolded(FIsASCII && Collation == TZmXPathCollationASCIICI) {
-  if (FIsFolded) std::transform(FText.begin(), FText.end(), FText.begin(), LowerASCII);
+  if (FIsFolded) std::transform(FText.begin(), FText.end(), FText.begin(), LowerASCII<char16_t>);
 }
 
 bool TTextTest::MatchesFolded(StringView Text) const {

@@ -281,6 +281,8 @@ class TDOMTree {
     return Parent->GetNodeType() == ntElement ? static_cast<const TZmDOMElement*>(Parent)->FScope
                                               : static_cast<const TZmDOMDocument*>(Parent)->FScope.get();
   }
+  /// The prefix that a declaration declares.
+  static StringView DeclaredPrefix(const TZmDOMAttribute* Declaration);
   static TZmDOMAttribute*& Namespace(TZmDOMElement* Element) { return Element->FNamespace; }
   /// The declaration of a prefix, "" the default one, nil where there is none.
   static TZmDOMAttribute* FindPrefix(TDOMScope* Scope, StringView Prefix);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "zamrit/common/Encoding.h"
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/Numbers.h"
 #include "zamrit/xml/json/JSONErrors.h"
 #include "zamrit/xml/json/Values.h"
@@ -70,7 +71,7 @@ class TFormPost {
     } else if (name.empty()) {
       Content().StartArray();
       kind = TLevelKind::Array;
-    } else if (name[0] >= u'0' && name[0] <= u'9') {
+    } else if (detail::IsDigit(name[0])) {
       if (name == u"0") Content().StartArray();
       kind = TLevelKind::Array;
     } else {

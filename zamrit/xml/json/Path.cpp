@@ -2,6 +2,7 @@
 #include <unordered_set>
 
 #include "zamrit/common/SysUtils.h"
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/ScopeDetail.h"
 #include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/json/JSONErrors.h"
@@ -15,8 +16,7 @@ namespace {
 bool HasChildren(const TJSONNode* Node) { return Node->Class() == jcObject || Node->Class() == jcArray; }
 
 bool IsIndex(StringView Text) {
-  return !Text.empty() &&
-         std::all_of(Text.begin(), Text.end(), [](char16_t c) { return (c >= u'0' && c <= u'9') || c == u'-'; });
+  return !Text.empty() && std::all_of(Text.begin(), Text.end(), [](char16_t c) { return IsDigit(c) || c == u'-'; });
 }
 
 TPathItem MakeItem(StringView Text) {

@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "zamrit/common/ComparisonDetail.h"
 #include "zamrit/common/SysUtils.h"
 #include "zamrit/common/ZmTypes.h"
 #include "zamrit/platform/Numbers.h"
@@ -282,22 +283,6 @@ Variant TPathFilter::OperandValue(TOperand& Operand) {
 }
 
 bool TPathFilter::Compare(TTerm& Term) {
-  const auto compare = [&Term](const auto& Left, const auto& Right) {
-    switch (Term.Operator) {
-      case opUnequal:
-        return Left != Right;
-      case opEqual:
-        return Left == Right;
-      case opSmaller:
-        return Left < Right;
-      case opSmallerEqual:
-        return Left <= Right;
-      case opGreater:
-        return Left > Right;
-      default:
-        return Left >= Right;
-    }
-  };
   const Variant leftValue = OperandValue(Term.Left), rightValue = OperandValue(Term.Right);
   if (leftValue.IsNull() || rightValue.IsNull()) {
     FInvalid = true;
@@ -309,18 +294,18 @@ bool TPathFilter::Compare(TTerm& Term) {
     right = ZmStripLiterals(right);
   } else {
     const TReading l(left), r(right);
-    if (l.IsInteger && r.IsInteger) return compare(l.Integer, r.Integer);
-    if (l.IsFloat && r.IsFloat) return compare(l.Float, r.Float);
-    if (l.IsBoolean && r.IsBoolean) return compare(l.Boolean, r.Boolean);
+    if (l.IsInteger && r.IsInteger) return ComparesAs(Term.Operator, l.Integer, r.Integer);
+    if (l.IsFloat && r.IsFloat) return ComparesAs(Term.Operator, l.Float, r.Float);
+    if (l.IsBoolean && r.IsBoolean) return ComparesAs(Term.Operator, l.Boolean, r.Boolean);
     if (l.IsFloat || r.IsFloat) {
       FInvalid = true;
       return false;
     }
   }
-  if (!FIgnoreCase) return compare(left, right);
+  if (!FIgnoreCase) return ComparesAs(Term.Operator, left, right);
   if (Term.Operator == opEqual || Term.Operator == opUnequal)
     return SameText(left, right) == (Term.Operator == opEqual);
-  return compare(LowerCase(left), LowerCase(right));
+  return ComparesAs(Term.Operator, LowerCase(left), LowerCase(right));
 }
 
 }  // namespace zm::detail

@@ -1,19 +1,12 @@
 #include <new>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/TextDetail.h"
 #include "zamrit/xml/json/TreeDetail.h"
 
 namespace zm::detail {
 
 namespace {
-
-bool IsASCII(std::string_view Text) {
-  for (char c : Text)
-    if (c & 0x80) return false;
-  return true;
-}
-
-char Lower(char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C + 32) : C; }
 
 void AppendUnit(std::string& Out, char16_t Unit) {
   Out += static_cast<char>(0xE0 | Unit >> 12);
@@ -69,7 +62,7 @@ bool TJSONName::IsFolded(const TJSONMemberNode& Node) const {
   if (FIsASCII && IsASCII(name)) {
     if (name.size() != FName.size()) return false;
     for (std::size_t i = 0; i < name.size(); ++i)
-      if (Lower(name[i]) != Lower(FName[i])) return false;
+      if (LowerASCII(name[i]) != LowerASCII(FName[i])) return false;
     return true;
   }
   return SameText(NameOf(Node), FWide);

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/Exceptions.h"
 #include "zamrit/platform/Numbers.h"
 #include "zamrit/xml/values/DateTimes.h"
@@ -19,7 +20,7 @@ struct TFields {
   std::uint16_t Years = 0, Months = 0, Days = 0, Hours = 0, Minutes = 0, Seconds = 0, Milliseconds = 0;
 };
 
-bool IsOfNumber(char16_t C) { return (C >= u'0' && C <= u'9') || C == u'.'; }
+bool IsOfNumber(char16_t C) { return detail::IsDigit(C) || C == u'.'; }
 
 std::uint16_t Field(StringView Number) { return static_cast<std::uint16_t>(StrToInt(Number)); }
 

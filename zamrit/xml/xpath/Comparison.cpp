@@ -3,21 +3,23 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "zamrit/common/ComparisonDetail.h"
 #include "zamrit/common/SysUtils.h"
 #include "zamrit/common/ZmTypes.h"
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/xml/xpath/ValuePathDetail.h"
 
 namespace zm {
 
+using detail::ComparesAs;
+using detail::IsASCII;
+using detail::IsDigit;
+using detail::LowerASCII;
 using detail::TTermKind;
 using detail::TTruth;
 using detail::TValuePath;
 
 namespace {
-
-bool IsASCII(StringView Text) {
-  return std::all_of(Text.begin(), Text.end(), [](char16_t c) { return c < 0x80; });
-}
 
 /// One value of a side, in the form in which it compares. Not copied: it may point into itself.
 struct TOperand {
@@ -97,7 +99,7 @@ struct TNumber {
 };
 
 std::optional<TNumber> ToNumber(StringView Text) {
-  if (Text.empty() || !((Text[0] >= u'0' && Text[0] <= u'9') || Text[0] == u'.')) return std::nullopt;
+  if (Text.empty() || !(IsDigit(Text[0]) || Text[0] == u'.')) return std::nullopt;
   TNumber number{true, 0, 0};
   if (TryStrToInt64(Text, number.Whole)) return number;
   number.IsWhole = false;
@@ -134,25 +136,6 @@ std::optional<TNumber> ToNumber(const TOperand& Operand) {
   }
 }
 
-/// The operator applied to two values that have an order.
-template <class T>
-bool Holds(TZmXPathValueComparisonOperator Operator, const T& Left, const T& Right) {
-  switch (Operator) {
-    case opUnequal:
-      return Left != Right;
-    case opEqual:
-      return Left == Right;
-    case opSmaller:
-      return Left < Right;
-    case opSmallerEqual:
-      return Left <= Right;
-    case opGreater:
-      return Left > Right;
-    default:
-      return Left >= Right;
-  }
-}
-
 bool Holds(TZmXPathValueComparisonOperator Operator, const Variant& Left, const Variant& Right) {
   switch (Operator) {
     case opUnequal:
@@ -170,8 +153,6 @@ bool Holds(TZmXPathValueComparisonOperator Operator, const Variant& Left, const 
   }
 }
 
-char LowerASCII(char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C | 0x20) : C; }
-
 bool SamePlain(std::string_view Left, std::string_view Right, bool IgnoreCase) {
   if (Left == Right) return true;
   return IgnoreCase && std::equal(Left.begin(), Left.end(), Right.begin(), Right.end(),
@@ -187,7 +168,7 @@ bool CompareTexts(TZmXPathValueComparisonOperator Operator, const TOperand& Left
                           : Collation->SameText(Left.Wide(), Right.Wide());
     return same == (Operator == opEqual);
   }
-  return Holds(Operator, Collation->Compare(Left.Wide(), Right.Wide()), 0);
+  return ComparesAs(Operator, Collation->Compare(Left.Wide(), Right.Wide()), 0);
 }
 
 TTruth Compare(TZmXPathValueComparisonOperator Operator, const TOperand& Left, const TOperand& Right,
@@ -197,8 +178,8 @@ TTruth Compare(TZmXPathValueComparisonOperator Operator, const TOperand& Left, c
   if (Left.IsText() && Right.IsText()) return detail::TruthOf(CompareTexts(Operator, Left, Right, Collation));
   const std::optional<TNumber> left = ToNumber(Left), right = ToNumber(Right);
   if (!left || !right) return detail::TruthOf(Holds(Operator, Left.ToVariant(), Right.ToVariant()));
-  if (left->IsWhole && right->IsWhole) return detail::TruthOf(Holds(Operator, left->Whole, right->Whole));
-  return detail::TruthOf(Holds(Operator, left->AsReal(), right->AsReal()));
+  if (left->IsWhole && right->IsWhole) return detail::TruthOf(ComparesAs(Operator, left->Whole, right->Whole));
+  return detail::TruthOf(ComparesAs(Operator, left->AsReal(), right->AsReal()));
 }
 
 /// The common case, without a copy of the value.
@@ -212,7 +193,7 @@ TTruth CompareNode(TZmXPathValueComparisonOperator Operator, const TZmDOMNode* N
                              (Operator == opEqual));
     std::int64_t whole = 0;
     if (Constant.Kind == TOperand::TKind::Whole && FewDigits(value, whole))
-      return detail::TruthOf(Holds(Operator, whole, Constant.Held.AsInteger()));
+      return detail::TruthOf(ComparesAs(Operator, whole, Constant.Held.AsInteger()));
   }
   TOperand operand;
   operand.Set(Node);
@@ -342,9 +323,9 @@ bool AnyHolds(TZmXPathValueComparisonOperator Operator, std::vector<String> Left
       return differs(Right, Left.front()) || differs(Left, Right.front());
     case opSmaller:
     case opSmallerEqual:
-      return Holds(Operator, Collation->Compare(least(Left), greatest(Right)), 0);
+      return ComparesAs(Operator, Collation->Compare(least(Left), greatest(Right)), 0);
     default:
-      return Holds(Operator, Collation->Compare(greatest(Left), least(Right)), 0);
+      return ComparesAs(Operator, Collation->Compare(greatest(Left), least(Right)), 0);
   }
 }
 

@@ -1,12 +1,14 @@
 #include <array>
 #include <utility>
 
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/xml/xpath/Functions.h"
 #include "zamrit/xml/xpath/ParsingDetail.h"
 #include "zamrit/xml/xpath/Terms.h"
 
 namespace zm {
 
+using detail::IsDigit;
 using detail::TTruth;
 
 TZmXPathEquation::~TZmXPathEquation() {
@@ -159,8 +161,6 @@ bool TZmXPathEquation::Evaluate(const TZmDOMObjectList& List, int Position) {
 // Reading.
 
 namespace {
-
-bool IsDigit(char16_t C) { return C >= u'0' && C <= u'9'; }
 
 /// Whether a character ends the name of a path or a function.
 bool EndsName(char16_t C) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "zamrit/common/SysUtils.h"
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/platform/ScanDetail.h"
 #include "zamrit/xml/dom/TreeDetail.h"
 #include "zamrit/xml/xpath/ParsingDetail.h"
@@ -11,8 +12,6 @@
 namespace zm::detail {
 
 namespace {
-
-bool IsDigit(char16_t C) { return C >= u'0' && C <= u'9'; }
 
 std::optional<TZmXPathValueComparisonOperator> OperatorOf(StringView Text) {
   if (Text == u"=") return opEqual;

@@ -2,6 +2,7 @@
 
 #include "zamrit/common/SysUtils.h"
 #include "zamrit/common/ZmTypes.h"
+#include "zamrit/platform/ASCIIDetail.h"
 #include "zamrit/xml/xpath/ParsingDetail.h"
 #include "zamrit/xml/xpath/ValuePathDetail.h"
 
@@ -39,7 +40,7 @@ StringView TZmXPathBaseTerm::Text(const TZmDOMObjectList& List, int Position, St
 
 TZmXPathConstantTerm::TZmXPathConstantTerm(TZmXPathEquation* Equation, TZmTextParser& Parser)
     : TZmXPathConstantTerm(Equation, Variant()) {
-  const auto isNumber = [](char16_t c) { return (c >= u'0' && c <= u'9') || c == u'.'; };
+  const auto isNumber = [](char16_t c) { return detail::IsDigit(c) || c == u'.'; };
   String text;
   if (Parser.CurrChar() == u'"') {
     Parser.Next();
