@@ -242,6 +242,25 @@ TEST(Predicates, BearAnySize) {
   EXPECT_EQ(wide->CreateNodeList("//*[a]//*[.=\"2\"]")->Count(), static_cast<int>(nodes));
 }
 
+TEST(Predicates, WithinOthersAreAskedOnceOfANode) {
+  const auto document = Loaded(Repeated(60, "<a>") + "<b/>" + Repeated(60, "</a>"));
+  const auto count = [&](const char* opening, const char* innermost, const char* closing) {
+    const std::string path = "//a" + Repeated(30, opening) + innermost + Repeated(30, closing);
+    return document->CreateNodeList(path)->Count();
+  };
+  EXPECT_EQ(count("[.//a", "[c]", "]"), 0);
+  EXPECT_EQ(count("[.//a", "[b]", "]"), 30);
+  EXPECT_EQ(count("[(.//a", "[c]", ")]"), 0);
+  EXPECT_EQ(count("[../..//a", "[c]", "]"), 0);
+  EXPECT_EQ(count("[//a", "[c]", "]"), 0);
+  EXPECT_EQ(count("[not(.//a", "[c]", ")]"), 1);
+  EXPECT_EQ(count("[string-length(.//a", "[c]", ")>0]"), 0);
+  // A place is another one in each context.
+  EXPECT_EQ(document->CreateNodeList("//a[.//a[0]]")->Count(), 59);
+  EXPECT_EQ(document->CreateNodeList("//a[..//a[.//*[last()]]]")->Count(), 60);
+  EXPECT_EQ(document->CreateNodeList("//a[.//*[1]]")->Count(), 0);
+}
+
 namespace {
 
 // The number of calls so far: one for each candidate. Made once for each selection.

@@ -19,7 +19,9 @@ void TZmXPathEquation::SetValue(TZmOwner<TZmXPathBaseTerm> Term) { FTerm = std::
 
 TZmOwner<TZmXPathEquation> TZmXPathEquation::Make(TZmXPathEquation* Parent, int Depth) const {
   if (Depth > detail::cDeepestXPath) detail::RaiseTooDeep();
-  return TZmOwner<TZmXPathEquation>(new TZmXPathEquation(FMatchOption, FCollation, Parent, Depth));
+  TZmOwner<TZmXPathEquation> made(new TZmXPathEquation(FMatchOption, FCollation, Parent, Depth));
+  made->FFirst = FFirst;
+  return made;
 }
 
 TZmXPathEquation* TZmXPathEquation::AddFirstChild() {
@@ -229,6 +231,7 @@ TZmOwner<TZmXPathBaseTerm> TZmXPathEquation::ReadNamedTerm(TZmTextParser& Parser
   c = Parser.CurrChar();
   if (c == u'(') {
     Parser.Next();
+    if (name == u"first" || name == u"last" || name == u"position") NotePlace();
     if (name == u"first") return CreateTerm<TZmXPathFirstNode>(this, &Parser);
     if (name == u"last") return CreateTerm<TZmXPathLastNode>(this, &Parser);
     if (name == u"position") return CreateTerm<TZmXPathFnPositionTerm>(this, &Parser);

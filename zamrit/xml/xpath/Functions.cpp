@@ -13,13 +13,17 @@ namespace zm {
 
 namespace {
 
-using TFunctions = std::unordered_map<String, TZmXPathFunctionClass>;
+struct TFunctionEntry {
+  TZmXPathFunctionClass Class;
+  bool IsOwn;  // of the library
+};
+using TFunctions = std::unordered_map<String, TFunctionEntry>;
 using TCollations = std::unordered_map<String, TZmXPathCollationClass>;
 
 TFunctions& RegisteredFunctions() {
   static TFunctions functions{
-#define ZM_XPATH_FUNCTION_ENTRY(Name, Suffix) {Name, TZmXPathFunctionClass::Of<TZmXPathFn##Suffix>()},
-      ZM_XPATH_FUNCTIONS(ZM_XPATH_FUNCTION_ENTRY){u"string", TZmXPathFunctionClass::Of<TZmXPathFnString>()}};
+#define ZM_XPATH_FUNCTION_ENTRY(Name, Suffix) {Name, {TZmXPathFunctionClass::Of<TZmXPathFn##Suffix>(), true}},
+      ZM_XPATH_FUNCTIONS(ZM_XPATH_FUNCTION_ENTRY){u"string", {TZmXPathFunctionClass::Of<TZmXPathFnString>(), true}}};
 #undef ZM_XPATH_FUNCTION_ENTRY
   return functions;
 }
@@ -34,14 +38,15 @@ TCollations& RegisteredCollations() {
 }  // namespace
 
 void RegisterXPathFunction(StringView Name, TZmXPathFunctionClass FunctionClass) {
-  RegisteredFunctions().try_emplace(String(Name), FunctionClass);
+  RegisteredFunctions().try_emplace(String(Name), TFunctionEntry{FunctionClass, false});
 }
 
 TZmOwner<TZmXPathBaseTerm> CreateFunctionTerm(StringView Name, TZmXPathEquation* Equation, TZmTextParser* Parser) {
   const TFunctions& functions = RegisteredFunctions();
   const auto found = functions.find(String(Name));
   if (found == functions.end()) throw EZmDomSyntax(u"The filter contains an unsupported function (%s)!", {Name});
-  return found->second.Create(Equation, Parser);
+  if (!found->second.IsOwn) Equation->NotePlace();
+  return found->second.Class.Create(Equation, Parser);
 }
 
 void RegisterXPathCollation(StringView URI, TZmXPathCollationClass Collation) {

@@ -22,6 +22,8 @@ class EZmXPathException : public EZmDomException {
 
 /// The base of functions that predicates call by name. A descendant says in Value what the function gives; how many
 /// arguments it takes is its own business, and judged there. It is made once for each call that a predicate writes.
+/// What it gives is to follow from its arguments, the candidate and its place, as predicates around the one with the
+/// call may remember what they held for.
 class TZmXPathFunction : public TZmXPathFunctionTerm {
   ZM_OBJECT(TZmXPathFunction, TZmXPathFunctionTerm)
  public:

@@ -131,6 +131,12 @@ TNodePath::TNodePath(StringView Path, bool Deep, bool Repeats, bool LocalNames) 
   FFindsTwice = twice;
 }
 
+bool TNodePath::Overlaps() const {
+  return std::any_of(FSteps.begin(), FSteps.end(), [](const TNodeStep& step) {
+    return step.Deep || step.Kind == TStepKind::Parent || step.Kind == TStepKind::Group;
+  });
+}
+
 bool TNodePath::CannotRaise() const {
   return std::all_of(FSteps.begin(), FSteps.end(), [](const TNodeStep& step) {
     return step.Error.empty() && step.Predicates.empty() && step.Kind != TStepKind::Group;

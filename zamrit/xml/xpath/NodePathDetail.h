@@ -66,6 +66,8 @@ class TNodePath {
   bool FindsTwice() const { return FFindsTwice; }
   /// Whether no document can make the walk raise.
   bool CannotRaise() const;
+  /// Whether walks from nodes that stand elsewhere may come to the same nodes.
+  bool Overlaps() const;
 
  private:
   TReusedVector<TNodeStep> FSteps;
@@ -86,6 +88,12 @@ class TNodeSet {
     places |= bit;
     return true;
   }
+  bool Has(const TZmDOMNode* Node) const {
+    const auto place = reinterpret_cast<std::uintptr_t>(Node) / cPlace;
+    if (FCount == 0) return false;
+    const TPage& page = FPages[At(place / cPlaces)];
+    return page.Number != 0 && (page.Places[place % cPlaces / 64] >> place % 64 & 1) != 0;
+  }
 
  private:
   static constexpr std::size_t cPlace = 32, cPlaces = TArena::cPage / cPlace;
@@ -97,16 +105,16 @@ class TNodeSet {
 
   TPage& Page(std::uintptr_t Number) {
     if (2 * FCount >= FPages.size()) Grow();
+    TPage& page = FPages[At(Number)];
+    FCount += page.Number == 0;
+    page.Number = Number;
+    return page;
+  }
+  /// Where the page is, or a free place for it.
+  std::size_t At(std::uintptr_t Number) const {
     std::size_t at = static_cast<std::size_t>(Number * 0x9E3779B97F4A7C15u >> FShift);
-    while (FPages[at].Number != Number) {
-      if (FPages[at].Number == 0) {
-        FPages[at].Number = Number;
-        ++FCount;
-        break;
-      }
-      at = (at + 1) & (FPages.size() - 1);
-    }
-    return FPages[at];
+    while (FPages[at].Number != Number && FPages[at].Number != 0) at = (at + 1) & (FPages.size() - 1);
+    return at;
   }
   void Grow();
 
@@ -128,6 +136,8 @@ class TFoundNodes {
   void Check(std::size_t From);
   /// Appends a node without a look.
   void Append(TZmDOMNode* Node);
+  /// Takes out all; none has been there before.
+  void Clear();
 
  private:
   TNodeSet FSet;
@@ -320,7 +330,8 @@ struct TWalkRules : TLookupRules {
 /// of the path behind it, it is not applied to again.
 class TPathWalk {
  public:
-  TPathWalk(const TNodePath& Path, const TWalkRules& Rules);
+  /// Overlaps is whether it comes to nodes that other walks of it come to, as far as the path does not say so.
+  TPathWalk(const TNodePath& Path, const TWalkRules& Rules, bool Overlaps);
   ~TPathWalk();
 
   /// Appends what the path leads to from a node.
@@ -344,6 +355,7 @@ class TPathWalk {
 
   const TNodePath& FPath;
   TWalkRules FRules;
+  bool FOverlaps;
   TFoundNodes* FFound = nullptr;
   TReusedVector<TLevel> FLevels;         // of the steps that the walk has been at
   TReusedVector<TZmDOMNode*> FContexts;  // of all levels in turn

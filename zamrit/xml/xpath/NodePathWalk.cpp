@@ -41,6 +41,11 @@ void TFoundNodes::Append(TZmDOMNode* Node) {
   if (FChecking) FSet.Insert(Node);
 }
 
+void TFoundNodes::Clear() {
+  Nodes.clear();
+  FSet = {};
+}
+
 TZmDOMNode* TDescent::EnterList() {
   const TZmDOMNodeListBase* const list = TDOMTree::OwnList(FNode, FKind);
   if (!list) return OfKind(TDOMTree::First(FNode));
@@ -104,8 +109,12 @@ struct TPathWalk::TGroup {
       : Path(Step.Text.size() > 1 ? Step.Text.substr(1, Step.Text.size() - 2) : StringView(), Step.Deep, true,
              Rules.LocalNames),
         Found(Nodes),
-        Walk(Path, Inside(Rules)) {
+        Walk(Path, Inside(Rules), true) {
     Found.StartChecking();
+  }
+  void Forget() {
+    Found.Clear();
+    Walk.Forget();
   }
   static TWalkRules Inside(TWalkRules Rules) {
     Rules.OneWillDo = false;
@@ -119,7 +128,8 @@ struct TPathWalk::TGroup {
   TPathWalk Walk;
 };
 
-TPathWalk::TPathWalk(const TNodePath& Path, const TWalkRules& Rules) : FPath(Path), FRules(Rules) {
+TPathWalk::TPathWalk(const TNodePath& Path, const TWalkRules& Rules, bool Overlaps)
+    : FPath(Path), FRules(Rules), FOverlaps(Rules.Depth > 0 && (Overlaps || Path.Overlaps())) {
   FRules.OneWillDo = Rules.OneWillDo && !Rules.Create && Path.CannotRaise();
   FLevels.reserve(std::min<std::size_t>(Path.Steps().size(), 8));
 }
@@ -130,7 +140,7 @@ void TPathWalk::Forget() {
   for (TLevel& level : FLevels) {
     level.Descent.Stop();
     level.Seen = {};
-    level.Group.reset();
+    if (level.Group) level.Group->Forget();
   }
 }
 
@@ -300,7 +310,10 @@ void TPathWalk::GatherGroup(std::size_t Step, TZmDOMNode* Context, std::vector<T
   const TNodeStep& step = FPath.Steps()[Step];
   if (FRules.Depth >= cDeepestXPath) RaiseTooDeep();
   std::unique_ptr<TGroup>& group = FLevels[Step].Group;
-  if (!group || !step.Predicates.empty()) group = std::make_unique<TGroup>(step, FRules);
+  if (!group)
+    group = std::make_unique<TGroup>(step, FRules);
+  else if (!step.Predicates.empty())
+    group->Forget();
   group->Walk.Run(Context, group->Found);
   Out.insert(Out.end(), group->Nodes.begin(), group->Nodes.end());
   group->Nodes.clear();
@@ -310,11 +323,12 @@ void TPathWalk::GatherGroup(std::size_t Step, TZmDOMNode* Context, std::vector<T
 void TPathWalk::Filter(std::size_t Step, std::vector<TZmDOMNode*>& Nodes, std::size_t From) {
   const TNodeStep& step = FPath.Steps()[Step];
   std::vector<TPredicate>& predicates = FLevels[Step].Predicates;
+  if (FRules.Created && !FRules.Created->empty()) predicates.clear();  // what held before need not hold now
   FCandidates.assign(Nodes.begin() + static_cast<std::ptrdiff_t>(From), Nodes.end());
   Nodes.resize(From);  // at once: a predicate may raise
   for (std::size_t i = 0; i < step.Predicates.size() && !FCandidates.empty(); ++i) {
     if (i == predicates.size())
-      predicates.emplace_back(step.Predicates[i], FRules.LocalNames, FRules.Collation, FRules.Depth + 1);
+      predicates.emplace_back(step.Predicates[i], FRules.LocalNames, FRules.Collation, FRules.Depth + 1, FOverlaps);
     predicates[i].Filter(FCandidates, FKept);
   }
   for (TZmDOMObject* const object : FCandidates) Nodes.push_back(static_cast<TZmDOMNode*>(object));
@@ -358,7 +372,7 @@ struct TPathSelection::TAlternative {
                          : IsRooted ? 1
                                     : 0),
              IsDeep, false, Rules.LocalNames),
-        Walk(Path, Rules) {}
+        Walk(Path, Rules, IsRooted) {}
 
   bool IsRooted;  // from the document
   bool IsStart;   // the node itself

@@ -122,6 +122,7 @@ class TPredicateReader {
     if (IsDigit(FParser.CurrChar())) {
       String digits;
       while (IsDigit(FParser.CurrChar())) digits += FParser.ReadChar();
+      FCursor->NotePlace();
       FCursor->SetValue(Create<TZmXPathChildNodeX>(FCursor, StrToInt(digits)));
       FNotPending = false;
       return;
@@ -172,12 +173,20 @@ class TPredicateReader {
 
 }  // namespace
 
-TPredicate::TPredicate(StringView Text, bool LocalNames, TZmXPathCollationClass Collation, int Depth)
+TPredicate::TPredicate(StringView Text, bool LocalNames, TZmXPathCollationClass Collation, int Depth, bool Repeats)
     : FEquation(Create<TZmXPathEquation>(LocalNames ? soLocalName : soQualifiedName, Collation, Depth)) {
   TPredicateReader(Text, FEquation.get()).Read();
+  FRemembers = Repeats && !FEquation->DependsOnPlace();
 }
 
-void TPredicate::Filter(TZmDOMObjectList& Candidates, TZmDOMObjectList& Kept) const {
+bool TPredicate::Holds(const TZmDOMObjectList& Candidates, int Index) {
+  if (!FRemembers) return FEquation->Evaluate(Candidates, Index);
+  const auto* const node = static_cast<TZmDOMNode*>(Candidates[static_cast<std::size_t>(Index)]);
+  if (!FAsked.Insert(node)) return FHolds.Has(node);
+  return FEquation->Evaluate(Candidates, Index) && FHolds.Insert(node);
+}
+
+void TPredicate::Filter(TZmDOMObjectList& Candidates, TZmDOMObjectList& Kept) {
   constexpr std::size_t ahead = 8;
   Kept.clear();
   for (std::size_t i = 0; i < Candidates.size(); ++i) {
@@ -187,7 +196,7 @@ void TPredicate::Filter(TZmDOMObjectList& Candidates, TZmDOMObjectList& Kept) co
       const auto* const node = static_cast<TZmDOMNode*>(Candidates[i + ahead]);
       if (TDOMTree::CanHaveChildren(node)) ZM_PREFETCH(TDOMTree::First(node));
     }
-    if (FEquation->Evaluate(Candidates, static_cast<int>(i))) Kept.push_back(Candidates[i]);
+    if (Holds(Candidates, static_cast<int>(i))) Kept.push_back(Candidates[i]);
   }
   Candidates.swap(Kept);
 }

@@ -69,6 +69,11 @@ class TZmXPathEquation : public TObject {
   const std::vector<TZmOwner<TZmXPathEquation>>& GetChilds() const { return FChilds; }
   TZmXPathBaseTerm* GetTerm() const { return FTerm.get(); }
   int GetDepth() const { return FDepth; }
+  /// Whether a term anywhere in the predicate looks at more than the candidate and the tree: at its place among the
+  /// others, or at what only a function of an application knows.
+  bool DependsOnPlace() const { return FFirst->FDependsOnPlace; }
+  /// Says that a term does.
+  void NotePlace() { FFirst->FDependsOnPlace = true; }
 
   /// Takes a term, and frees the one that was there.
   void SetValue(TZmOwner<TZmXPathBaseTerm> Term);
@@ -101,7 +106,7 @@ class TZmXPathEquation : public TObject {
 
   TZmXPathEquation(TZmDOMSelectMatchOption MatchOption, TZmXPathCollationClass Collation, TZmXPathEquation* Parent,
                    int Depth)
-      : FMatchOption(MatchOption), FCollation(Collation), FParent(Parent), FDepth(Depth) {}
+      : FMatchOption(MatchOption), FCollation(Collation), FParent(Parent), FFirst(this), FDepth(Depth) {}
   TZmOwner<TZmXPathEquation> Make(TZmXPathEquation* Parent, int Depth) const;
   bool IsUniform() const;
   detail::TTruth TermTruth(const TZmDOMObjectList& List, int Position) const;
@@ -111,11 +116,13 @@ class TZmXPathEquation : public TObject {
   TZmXPathBoolOperator FOperation = opNA;
   TZmXPathCollationClass FCollation;
   TZmXPathEquation* FParent;
+  TZmXPathEquation* FFirst;  // of the predicate
   TZmOwner<TZmXPathEquation> FSibling;
   std::vector<TZmOwner<TZmXPathEquation>> FChilds;
   TZmOwner<TZmXPathBaseTerm> FTerm;
   int FDepth;
   int FNesting = 0;  // of the term that is being read
+  bool FDependsOnPlace = false;
 };
 
 /// Part of a predicate that has a value. It is evaluated for one candidate after the other, and may be entered again
