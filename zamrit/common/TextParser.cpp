@@ -362,9 +362,13 @@ String TZmTextParser::Cut(std::int64_t From, std::int64_t To) {
   return out;
 }
 
-int TZmTextParser::GetLineNr() { return static_cast<int>(FWindow.CursorPlace().Line); }
+int TZmTextParser::GetLineNr() { return FWindow.CursorPlace().LineNr(); }
 
-int TZmTextParser::GetColNr() { return static_cast<int>(FWindow.CursorPlace().Column) + (FLowHalf ? 1 : 0); }
+int TZmTextParser::GetColNr() {
+  detail::TPlace place = FWindow.CursorPlace();
+  place.Column += FLowHalf;
+  return place.ColNr();
+}
 
 bool TZmTextParser::_GetEOF() { return FWindow.Cur == FWindow.End && !More(); }
 

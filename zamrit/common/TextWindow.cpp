@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "zamrit/common/TextWindowDetail.h"
+#include "zamrit/platform/Exceptions.h"
 #include "zamrit/platform/TextDetail.h"
 
 namespace zm::detail {
@@ -100,8 +101,9 @@ TByteFeed::TByteFeed(const void* Block, std::size_t Size) : FBlock(static_cast<c
   if (!FBlock) FBlock = "";
 }
 
-TByteFeed::TByteFeed(TStream* Stream, bool OwnsStream)
-    : FStream(Stream), FOwnsStream(OwnsStream), FStart(Stream->GetPosition()) {
+TByteFeed::TByteFeed(TStream* Stream, bool OwnsStream) : FStream(Stream), FOwnsStream(OwnsStream) {
+  Assert(Stream != nullptr, u"Assertion failure (base/uZmClasses)");
+  FStart = Stream->GetPosition();
   std::uint64_t size = 0;
   const auto start = static_cast<std::uint64_t>(FStart);
   if (const void* block = Stream->InPlace(size); block && start <= size) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -19,6 +21,15 @@ struct TPlace {
   std::int64_t Line = 1;
   std::int64_t Column = 1;
   bool AfterCR = false;  // the unit before is a carriage return whose line is not counted as ended yet
+
+  /// As a locator tells them; what is beyond its type stays at the greatest value.
+  int LineNr() const { return Told(Line); }
+  int ColNr() const { return Told(Column); }
+
+ private:
+  static int Told(std::int64_t Number) {
+    return static_cast<int>(std::min<std::int64_t>(Number, std::numeric_limits<int>::max()));
+  }
 };
 
 /// The bytes of a source from its content start on, from a block or from a stream, as often as asked.

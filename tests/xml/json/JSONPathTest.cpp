@@ -102,6 +102,9 @@ TEST(JSONPath, Selects) {
       {u"$.books[?((@.ok==true||@.ok==false) && @.price<>8)].t", "[\"Two\"]"},
       {u"$.books[?(@.n==null)]", "[{\"n\": null}]"},
       {u"$.books[?(@.price==$.books[0].price)].t", "[\"one\"]"},
+      {u"$.books[?(@.price>$..price)].t", "[\"Two\"]"},
+      {u"$.l[0:9\n2]", "[0, 2, 4]"},
+      {u"$.l.[1]x", "[1]"},
       {u"$.books[?(@.missing==1)]", "[]"},
       {u"$.books[?(@.t==\"Two\")].price", "[12.5]"},
       {u"$.*[?(@.t)].t", "[\"one\", \"Two\", \"three\"]"},
@@ -109,6 +112,8 @@ TEST(JSONPath, Selects) {
        "14: The specified path is not a valid JSON path. Character '=' was expected, however '1' was found."},
       {u"$.books[?(@.t&@.n)]",
        "14: The specified path is not a valid JSON path. Character '&' was expected, however '@' was found."},
+      {StringView(u"$\0a", 3),
+       "14: The specified path is not a valid JSON path. Character '. or [' was expected, however '' was found."},
       {u"$.books[?x]",
        "14: The specified path is not a valid JSON path. Character '?(' was expected, however '?x' was found."},
       {u"$.books[?(@.t))]", "17: The specified script expression is too complex or not valid!"},
@@ -164,6 +169,7 @@ TEST(JSONPath, Creates) {
       {u"{\"a\":null}", u"$.a.b", "{\"a\": null}"},
       {u"{\"l\":[{},{}]}", u"$.l[*].n", "{\"l\": [{\"n\": null}, {\"n\": null}]}"},
       {u"{}", u"$.*", "{}"},
+      {u"{}", u"$.x[?(@.a=1)]", "{\"x\": null}"},
       {u"[]", u"$.a", "[]"},
   };
   for (const auto& c : cases) {
@@ -188,7 +194,7 @@ TEST(JSONPath, TextsThatNestOrRepeatHaveNoLimit) {
       {u"$[?(@.a" + Repeated(u"&&@.a", many) + u")]", "[{\"a\": 1}]"},
       {u"$[?(@.a" + Repeated(u"||@.b&&@.a", many) + u")]", "[{\"a\": 1}]"},
       {u"$[?(" + Repeated(u")", many) + u")]", "17: The specified script"},
-      {u"$[?(" + Repeated(u"@[?(", 2000), "["},
+      {u"$[?(" + Repeated(u"@[?(", 2000), "[]"},
   };
   const auto deep = TZmJSONDocument::CreateFromJSON(Repeated(u"[", many) + Repeated(u"]", many));
   EXPECT_EQ(deep->CreateNodeList(u"$..*[?($[0])]")->Count(), static_cast<int>(many) - 2);
@@ -212,9 +218,13 @@ TEST(JSONPath, WaysToANodeAreCountedButNotGone) {
       {u"$" + Repeated(u"['a','a']", 25), {}, tooComplex},
       {u"$" + Repeated(u"..*[?(@", 20) + u"..b" + String(20, u'b'), {}, "[]"},
       {u"$" + Repeated(u"..*[?(@", 21) + u"..b" + String(21, u'b'), {}, tooComplex},
+      {u"$..*[?(@..*..b" + Repeated(u" || @..*..b", 300) + u")]", {}, "[]"},
       {u"$" + Repeated(u"['x','y']", 25), {jsoCreate}, tooComplex},
   };
   for (const auto& c : cases) EXPECT_EQ(Found(*document, c.Path, c.Options), c.Found) << ToUTF8(c.Path);
+  TZmJSONArray itself;
+  itself.InsertObject(&itself);
+  EXPECT_EQ(itself.CreateNodeList(u"@..b")->Count(), 0);
 }
 
 TEST(JSONPath, ChainsGoByTheirSuffixes) {

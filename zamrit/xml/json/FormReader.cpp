@@ -42,6 +42,7 @@ class TFormPost {
   // False where it was the last one.
   bool ParsePair() {
     FPath.clear();
+    FEndsInMember = false;
     String name = ReadKeyPart();
     if (FParser._GetEOF() && name.substr(0, 1) == u"_") return false;
     if (!FPrevious.empty() && FPrevious[0].Name != name) ClosePrevious();
@@ -53,7 +54,8 @@ class TFormPost {
       Content().EndMember();
       FPath.pop_back();
     }
-    FPrevious = FPath;
+    FEndsInMember = FPath.size() >= 2 && FPath[FPath.size() - 2].Kind == TLevelKind::Member;
+    FPrevious.swap(FPath);
     FParser.NextChar();
     return !FParser._GetEOF() && FParser.CurrChar() != u'_';
   }
@@ -124,10 +126,9 @@ class TFormPost {
     }
   }
   void CloseAtEnd() {
-    const bool inMember = FPath.size() >= 2 && FPath[FPath.size() - 2].Kind == TLevelKind::Member;
     for (; !FPrevious.empty(); FPrevious.pop_back()) {
       const bool array = FPrevious.back().Kind == TLevelKind::Array;
-      if (!array || inMember) Content().EndObject();
+      if (!array || FEndsInMember) Content().EndObject();
       if (array) Content().EndArray();
     }
   }
@@ -186,8 +187,8 @@ class TFormPost {
   char ReadEscapedByte() {
     FParser.NextChar();
     String digits = u"$";
-    digits += FParser.ReadChar();
-    digits += FParser.ReadChar();
+    for (int i = 0; i < 2 && !FParser._GetEOF(); ++i) digits += FParser.ReadChar();
+    if (digits.size() < 3) throw EConvertError(u"'%s' is not a valid integer value", {digits});
     return static_cast<char>(StrToInt(digits));
   }
 
@@ -206,6 +207,7 @@ class TFormPost {
   const TZmIntf<IZmJSONContentHandler>& FContent;
   std::vector<TLevel> FPath;      // the levels of the pair being read, outermost first
   std::vector<TLevel> FPrevious;  // those that stayed open behind the pair before
+  bool FEndsInMember = false;     // the pair before the end left its last level open in a member
 };
 
 }  // namespace

@@ -13,8 +13,9 @@ namespace zm {
 /// the first key on that begins with "_" and is not the first pair is not read.
 ///
 /// The error handler is neither needed nor told. Raises Exception for a key that goes on behind a closing bracket with
-/// anything but a bracket or "=" and for an escape that is no UTF-8, and EConvertError for digits that are none. Time
-/// is linear in the text.
+/// anything but a bracket or "=" and for an escape of several bytes that does not go on with one, and EConvertError for
+/// digits that are none or are missing; other bytes that are no UTF-8 become U+FFFD. Time is linear in the text; memory
+/// is that of the largest key or value, with a record of 40 bytes for each open bracket.
 class TZmFormURLEncodedJSONReader : public TZmJSONReader {
   ZM_OBJECT(TZmFormURLEncodedJSONReader, TZmJSONReader)
  protected:

@@ -14,7 +14,7 @@ namespace zm {
 /// Where a reader stands.
 class IZmJSONLocator : public virtual IZmInterface {
  public:
-  /// The line, from 1; -1 when nothing is being read, and after an EZmTextParserEOF.
+  /// The line, from 1, and at most 2147483647; -1 when nothing is being read, and after an EZmTextParserEOF.
   virtual int GetLineNr() = 0;
   /// The column, from 1, in UTF-16 units; otherwise as GetLineNr.
   virtual int GetColNr() = 0;

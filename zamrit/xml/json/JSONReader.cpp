@@ -61,8 +61,6 @@ class THandlerSink {
 }  // namespace
 }  // namespace detail
 
-namespace {}  // namespace
-
 TZmJSONReader::TZmJSONReader()
     : FPublicID(IntToStr(static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(this)))),
       FScratch(std::make_unique<detail::TJSONScratch>()) {

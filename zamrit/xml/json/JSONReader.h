@@ -21,7 +21,8 @@ struct TJSONScratch;
 /// one raises EZmJSONException with code 18; a reader that is freed from inside an event goes when the parse has ended,
 /// and a handler that is replaced from inside an event is released then. What a handler throws ends the parse and
 /// reaches the caller. FatalError of the error handler is first told of errors of the text and of what a handler
-/// throws, but not of a missing handler, an encoding that is refused or a file that cannot be opened.
+/// throws, but not of a handler that is missing at the start, an encoding that is refused or a file that cannot be
+/// opened.
 ///
 /// Time is linear in the input, whatever it holds; memory is that of the largest name or value, as stored and as
 /// UTF-16, a bit for each level of nesting, and under 1 MB of buffers. Nesting takes no stack.
@@ -51,7 +52,7 @@ class TZmJSONReader : public TZmObject, public IZmJSONLocator, public IZmJSONRea
   /// single-byte page the text itself tells between the two.
   void ParseStream(TStream* Stream, std::uint16_t CodePage = 0, StringView PublicID = {}) override;
   /// Reads a file; a byte order mark decides the encoding, else the text itself. Raises EFOpenError naming the file
-  /// when it cannot be opened.
+  /// when it cannot be opened, and EStreamError for one without a mark in which it cannot move back, as a pipe is.
   void ParseFile(StringView FileName, std::uint16_t Mode = fmOpenRead, StringView PublicID = {}) override;
   void ParseFile(std::string_view FileName, std::uint16_t Mode = fmOpenRead, StringView PublicID = {}) {
     ParseFile(FromUTF8(FileName), Mode, PublicID);

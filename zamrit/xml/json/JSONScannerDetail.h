@@ -150,9 +150,11 @@ class TJSONScanner : private TWindowCursor<S> {
     ParseSimpleValue(P);
     SetCursor(P);
     if (FParser._GetEOF()) return;
-    do FParser.NextChar();
-    while (!FParser._GetEOF() && FParser.CurrChar() <= u' ');
-    if (FParser._GetEOF() || (FAllowSurroundingSpace && FParser.PrevCharW() <= u' ')) return;
+    bool space = FParser.CurrChar() <= u' ';
+    FParser.NextChar();
+    space |= FParser.CurrChar() <= u' ';
+    FParser.SkipWhile(tsoSmallerEqual, FParser.FSpace);
+    if (FParser._GetEOF() || (FAllowSurroundingSpace && space)) return;
     FParser.RaiseNotWellFormed({});
   }
 

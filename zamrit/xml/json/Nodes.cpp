@@ -244,11 +244,10 @@ void TJSONNodes::Unlink(TZmJSONBase& Owner, TJSONNode* Node) {
   TJSONNode* const owner = Owner.FNode;
   TJSONList& list = ListOf(Owner);
   const std::size_t found = list.Count() > 0 && list[0] == Node ? 0 : list.Find(Node);
-  TJSONNode* before = nullptr;
-  if (owner->Has(jfList)) {
+  TJSONNode* before = found > 0 && found < list.Count() ? list[found - 1] : nullptr;
+  if (owner->Has(jfList) && !(before && before->Next == Node)) {  // not always, but mostly, the one before in the list
+    before = nullptr;
     for (TJSONNode* child = owner->FirstChild(); child != Node; child = child->Next) before = child;
-  } else if (found > 0) {
-    before = list[found - 1];
   }
   (before ? before->Next : owner->FirstChild()) = Node->Next;
   if (found < list.Count()) list.Delete(found);

@@ -32,9 +32,21 @@ TPathItem MakeItem(StringView Text) {
   return item;
 }
 
+/// Behind the closing bracket of the one at the start of Text.
+std::size_t EndOfBrackets(StringView Text) {
+  for (std::size_t at = 1;;) {
+    at = Text.find_first_of(u"[]", at);
+    if (at == StringView::npos) return Text.size();
+    if (Text[at] == u']') return at + 1;
+    at = Text.find(u']', at);
+    if (at == StringView::npos) return Text.size();
+    ++at;
+  }
+}
+
 /// The items between the commas that do not stand in apostrophes.
 std::vector<TPathItem> SplitBrackets(StringView Step) {
-  StringView text = Step.substr(1);
+  StringView text = Step.substr(1, EndOfBrackets(Step) - 1);
   if (text.ends_with(u']')) text.remove_suffix(1);
   std::vector<TPathItem> items;
   std::size_t begin = 0;
@@ -52,22 +64,20 @@ std::vector<TPathItem> SplitBrackets(StringView Step) {
   return items;
 }
 
-/// Behind the closing bracket of the one at the start of Text.
-std::size_t EndOfBrackets(StringView Text) {
-  for (std::size_t at = 1;;) {
-    at = Text.find_first_of(u"[]", at);
-    if (at == StringView::npos) return Text.size();
-    if (Text[at] == u']') return at + 1;
-    at = Text.find(u']', at);
-    if (at == StringView::npos) return Text.size();
-    ++at;
-  }
+/// Whether two items of a step that has been used may give the same node.
+bool MayMeet(const std::vector<TPathItem>& Items) {
+  std::unordered_set<String> names;
+  return Items.size() > 1 && std::any_of(Items.begin(), Items.end(), [&](const TPathItem& item) {
+           return item.Kind != TPathItem::pkName || item.All || !IsASCII(item.NameText) ||
+                  !names.insert(LowerCase(item.NameText)).second;
+         });
 }
 
 constexpr int cDeepestFilter = 20;
-// What steps that come to the same nodes again may find, make and remember; it could be exponential otherwise.
+// What a path may find where it comes to the same nodes again, what it may remember and what it may make: it could be
+// exponential otherwise.
 constexpr std::size_t cMostRepeated = std::size_t{1} << 24;
-constexpr std::size_t cMostMade = std::size_t{1} << 16;
+constexpr std::size_t cMostMade = std::size_t{1} << 20;
 
 }  // namespace
 
@@ -128,7 +138,7 @@ TPathStep& TPathAlternative::Step(std::size_t Index) {
   if (Index > 0) {
     const TPathStep& before = FSteps[Index - 1];
     step.BehindDescent = before.BehindDescent || before.Recursive;
-    step.Repeats = before.Repeats || before.Items.size() > 1 || (step.Recursive && step.BehindDescent);
+    step.Repeats = before.Repeats || MayMeet(before.Items) || (step.Recursive && step.BehindDescent);
   }
   FSteps.push_back(std::move(step));
   return FSteps.back();
@@ -141,7 +151,8 @@ struct TJSONPath::TTask {
   bool Ends = false;                     // what has been found since the step came to the node is its outcome
 };
 
-TJSONPath::TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth) : FOptions(Options), FDepth(Depth) {
+TJSONPath::TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth, TJSONMemory Memory)
+    : FOptions(Options), FDepth(Depth), FMemory(std::move(Memory)) {
   if (Depth > cDeepestFilter) RaiseTooComplex();
   if (Text.find(u" | ") == StringView::npos) {
     FParts.push_back({String(Trim(Text)), {}});
@@ -150,11 +161,21 @@ TJSONPath::TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth) :
   }
 }
 
-TJSONPath::~TJSONPath() = default;
+TJSONPath::~TJSONPath() { Forget(); }
 
-void TJSONPath::Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRoot* Root,
-                       std::vector<TJSONNode*>& Found) {
+void TJSONPath::Forget() {
+  *FMemory -= FKnown.size();
+  if (!FKnown.empty()) FKnown = {};
+}
+
+bool TJSONPath::IsOfRoot() const {
+  return std::all_of(FParts.begin(), FParts.end(), [](const TPart& part) { return part.Text.starts_with(u'$'); });
+}
+
+std::span<TJSONNode* const> TJSONPath::Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRoot* Root) {
   TJSONRoot own;
+  if (FKnown.empty()) FFound.clear();
+  const std::size_t begin = FFound.size();
   FTree = &Tree;
   FRoot = Root ? Root : &own;
   const auto rootOf = [](TJSONNode* Document) -> TJSONNode* {
@@ -179,16 +200,17 @@ void TJSONPath::Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRo
       start = nullptr;
     }
     if (!part.Path) part.Path.emplace(StringView(part.Text).substr(1));
-    if (start) Run(*part.Path, start, Found);
+    if (start) Run(*part.Path, start);
   }
+  return std::span(FFound).subspan(begin);
 }
 
-void TJSONPath::Run(TPathAlternative& Path, TJSONNode* Start, std::vector<TJSONNode*>& Found) {
+void TJSONPath::Run(TPathAlternative& Path, TJSONNode* Start) {
   const TFinally settled([this] {
     for (TJSONNode* const node : FFresh) node->Flags &= ~std::uint32_t{jfFresh};
     FFresh.clear();
     FTasks.clear();
-    if (!FKnown.empty()) FKnown = {};
+    if (FDepth == 0) Forget();
   });
   FTasks.push_back({Start, 0, {}});
   while (!FTasks.empty()) {
@@ -203,26 +225,28 @@ void TJSONPath::Run(TPathAlternative& Path, TJSONNode* Start, std::vector<TJSONN
     const TTask now = task;
     FTasks.pop_back();
     if (now.Ends)
-      FKnown.find({now.Step, now.Node})->second.End = Found.size();
+      FKnown.find({&Path.Step(now.Step), now.Node})->second.End = FFound.size();
     else if (Path.IsEnd(now.Step))
-      Found.push_back(now.Node);
+      FFound.push_back(now.Node);
     else if (HasChildren(now.Node) || now.Node->Has(jfFresh))
-      Take(Path, now.Step, now.Node, Found);
+      Take(Path, now.Step, now.Node);
   }
 }
 
-void TJSONPath::Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node, std::vector<TJSONNode*>& Found) {
+void TJSONPath::Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node) {
   TPathStep& step = Path.Step(Index);
-  if (step.Repeats) {
-    if (FindAgain({Index, Node}, Found)) return;
+  // In a filter other candidates may lead to the same nodes; what holds itself would be come to without end.
+  if (step.Repeats || (FDepth > 0 && (step.Recursive || step.BehindDescent)) || FLeavesOwner) {
+    if (FindAgain(step, Node)) return;
     FTasks.push_back({Node, Index, {}, true});
   }
   FList.clear();
-  for (TPathItem& item : step.Items) Use(item, Node);
-  if (step.Repeats && FFresh.size() > cMostMade) RaiseTooComplex();
+  for (TPathItem& item : step.Items)
+    if (item.Kind == TPathItem::pkName || HasChildren(Node)) Use(item, Node);
+  if (FFresh.size() > cMostMade) RaiseTooComplex();
   if (step.Recursive && HasChildren(Node)) FTasks.push_back({Node, Index, TChildCursor(Node)});
   if (Path.IsEnd(Index + 1)) {
-    Found.insert(Found.end(), FList.begin(), FList.end());
+    FFound.insert(FFound.end(), FList.begin(), FList.end());
   } else {
     for (std::size_t i = FList.size(); i-- > 0;) FTasks.push_back({FList[i], Index + 1, {}});
   }
@@ -230,20 +254,21 @@ void TJSONPath::Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node,
 
 // Steps that descend, one behind the other, come to a node as often as there are ways to share out the levels above it.
 // What lies behind is found the first time, and copied from then on as long as nothing is made.
-bool TJSONPath::FindAgain(TStepAtNode Key, std::vector<TJSONNode*>& Found) {
-  const std::size_t size = Found.size(), made = FFresh.size();
-  const auto [known, isNew] = FKnown.try_emplace(Key, TOutcome{made, size, size});
-  if (FKnown.size() > cMostRepeated) RaiseTooComplex();
+bool TJSONPath::FindAgain(const TPathStep& Step, TJSONNode* Node) {
+  const std::size_t size = FFound.size(), made = FFresh.size();
+  const auto [known, isNew] = FKnown.try_emplace({&Step, Node}, TOutcome{made, size, size});
+  if (isNew && ++*FMemory > cMostRepeated) RaiseTooComplex();
   TOutcome& outcome = known->second;
   if (isNew || outcome.Made != made) {
     outcome = {made, size, size};
     return false;
   }
-  const std::size_t count = outcome.End - outcome.Begin;
+  std::size_t count = outcome.End - outcome.Begin;
+  if (FDepth > 0) count = std::min<std::size_t>(count, 1);
   if (count > 0 && size + count > cMostRepeated) RaiseTooComplex();
-  Found.resize(size + count);
-  std::copy_n(Found.begin() + static_cast<std::ptrdiff_t>(outcome.Begin), count,
-              Found.begin() + static_cast<std::ptrdiff_t>(size));
+  FFound.resize(size + count);
+  std::copy_n(FFound.begin() + static_cast<std::ptrdiff_t>(outcome.Begin), count,
+              FFound.begin() + static_cast<std::ptrdiff_t>(size));
   return true;
 }
 
@@ -264,8 +289,8 @@ void TJSONPath::Use(TPathItem& Item, TJSONNode* Node) {
 }
 
 void TJSONPath::UseFilter(TPathItem& Item, TJSONNode* Node) {
-  if (!Item.Filter || !FFresh.empty())  // it remembers what held before
-    Item.Filter = std::make_unique<TPathFilter>(Item.Text, FOptions.Has(jsoCaseInsensitive), FDepth + 1);
+  if (!Item.Filter || !FFresh.empty())  // it remembers what was before
+    Item.Filter = std::make_unique<TPathFilter>(Item.Text, FOptions.Has(jsoCaseInsensitive), FDepth + 1, FMemory);
   if (!HasChildren(Node)) return;
   TChildCursor children(Node);
   std::unordered_set<TJSONNode*> there(FList.begin(), FList.end());
@@ -309,10 +334,10 @@ void TJSONPath::UseSlice(StringView Text, TJSONNode* Node) {
   const String text = Text.starts_with(u':') ? u"0" + String(Text) : String(Text);
   std::size_t from = 0;
   for (std::int64_t& part : parts) {
-    const std::size_t colon = std::min(text.find(u':', from), text.size());
-    part = StrToIntDef(StringView(text).substr(from, colon - from), 0);
-    if (colon == text.size()) break;
-    from = colon + 1;
+    const std::size_t end = std::min(text.find_first_of(u":\r\n", from), text.size());
+    part = StrToIntDef(StringView(text).substr(from, end - from), 0);
+    if (end == text.size()) break;
+    from = end + (text.compare(end, 2, u"\r\n") == 0 ? 2 : 1);
   }
   const std::int64_t count = TJSONNodes::ValueOf(TreeOf(Node), Node)->Count();
   const std::int64_t stop = parts[1] == 0 ? count : parts[1];
@@ -350,7 +375,9 @@ void TJSONPath::UseName(TPathItem& Item, TJSONNode* Node) {
 // A member that has been made on the way becomes an object when the path goes on by a name.
 void TJSONPath::CreateMember(TPathItem& Item, TJSONNode* Node) {
   if (Node->Class() != jcObject) TJSONNodes::MemberOf(TreeOf(Node), Node)->CreateValue(jdtObject);
-  TZmJSONMember* const member = TJSONNodes::ValueOf(TreeOf(Node), Node)->GetMemberEx1(Item.NameText);
+  TZmJDOCSelectOptions options{jsoCreate};
+  if (FOptions.Has(jsoCaseInsensitive)) options.Include(jsoCaseInsensitive);
+  TZmJSONMember* const member = TJSONNodes::ValueOf(TreeOf(Node), Node)->GetMember(Item.NameText, options);
   TJSONNode* const value = TJSONNodes::Node(*member->CreateValue(jdtNull));
   value->Flags |= jfFresh;
   FFresh.push_back(value);
@@ -361,8 +388,9 @@ TJSONSelection SelectJSON(TZmJSONBase& Start, StringView Path, TZmJDOCSelectOpti
   TJSONNode* const node = TJSONNodes::Node(Start);
   TJSONTree* const shown = node->Has(jfList) ? TJSONNodes::ListOf(Start).Shown : nullptr;
   TJSONSelection found{{}, shown ? shown : &TJSONNodes::Tree(Start)};
-  TJSONPath path(Path, Options, 0);
-  path.Follow(*found.Tree, node, TJSONNodes::IsMember(Start), nullptr, found.Nodes);
+  TJSONPath path(Path, Options, 0, std::make_shared<std::size_t>(0));
+  const auto nodes = path.Follow(*found.Tree, node, TJSONNodes::IsMember(Start), nullptr);
+  found.Nodes.assign(nodes.begin(), nodes.end());
   // A list that shows others stands in a tree of its own.
   const bool itself = shown && std::find(found.Nodes.begin(), found.Nodes.end(), node) != found.Nodes.end();
   if (path.LeavesTree() || itself) found.Tree = nullptr;

@@ -4,6 +4,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <span>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -24,9 +25,9 @@ TJSONSelection SelectJSON(TZmJSONBase& Start, StringView Path, TZmJDOCSelectOpti
 
 [[noreturn]] void RaiseTooComplex();
 
-/// The character of a text, both halves of a pair; empty at the end.
+/// The character of a text, both halves of a pair; empty at the end and for NUL.
 inline StringView CharAt(StringView Text, std::size_t At) {
-  if (At >= Text.size()) return {};
+  if (At >= Text.size() || Text[At] == u'\0') return {};
   const bool pair = IsHighSurrogate(Text[At]) && At + 1 < Text.size() && IsLowSurrogate(Text[At + 1]);
   return Text.substr(At, pair ? 2 : 1);
 }
@@ -78,18 +79,24 @@ class TPathAlternative {
   std::deque<TPathStep> FSteps;
 };
 
+/// How much the paths of a selection remember, those in its filters among them.
+using TJSONMemory = std::shared_ptr<std::size_t>;
+
 /// A path that can be followed from one node after the other.
 class TJSONPath {
  public:
-  /// Depth counts the filters that the path stands in.
-  TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth);
+  /// Depth counts the filters that the path stands in. In a filter it is asked for the first node alone, and remembers
+  /// what it has been led to: a tree that changes needs a new one.
+  TJSONPath(StringView Text, TZmJDOCSelectOptions Options, int Depth, TJSONMemory Memory);
   ~TJSONPath();
 
-  /// Appends what the path leads to from a node, a member's value where AsMember says so. Root is that of the node, or
-  /// nil to look for it.
-  void Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRoot* Root, std::vector<TJSONNode*>& Found);
+  /// What the path leads to from a node, a member's value where AsMember says so; in a filter the first node and
+  /// perhaps others. Valid until the next call. Root is that of the node, or nil to look for it.
+  std::span<TJSONNode* const> Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRoot* Root);
   /// Whether it has come to a node of another tree.
   bool LeavesTree() const { return FLeavesTree; }
+  /// Whether it is the same from each node that has the same root.
+  bool IsOfRoot() const;
 
  private:
   struct TTask;
@@ -97,16 +104,17 @@ class TJSONPath {
     std::size_t Made;        // nodes, when a step came to a node
     std::size_t Begin, End;  // in what is found, of what the path from that step on has led to
   };
-  using TStepAtNode = std::pair<std::size_t, const TJSONNode*>;
+  using TStepAtNode = std::pair<const TPathStep*, const TJSONNode*>;
   struct THash {
     std::size_t operator()(const TStepAtNode& Key) const {
-      return std::hash<const TJSONNode*>()(Key.second) * 31 + Key.first;
+      return std::hash<const TJSONNode*>()(Key.second) * 31 + std::hash<const TPathStep*>()(Key.first);
     }
   };
 
-  void Run(TPathAlternative& Path, TJSONNode* Start, std::vector<TJSONNode*>& Found);
-  void Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node, std::vector<TJSONNode*>& Found);
-  bool FindAgain(TStepAtNode Key, std::vector<TJSONNode*>& Found);
+  void Run(TPathAlternative& Path, TJSONNode* Start);
+  void Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node);
+  bool FindAgain(const TPathStep& Step, TJSONNode* Node);
+  void Forget();
   void Use(TPathItem& Item, TJSONNode* Node);
   void UseFilter(TPathItem& Item, TJSONNode* Node);
   void UseSlice(StringView Text, TJSONNode* Node);
@@ -126,10 +134,12 @@ class TJSONPath {
   std::deque<TPart> FParts;
   TZmJDOCSelectOptions FOptions;
   int FDepth;
+  TJSONMemory FMemory;
   TJSONTree* FTree = nullptr;
   bool FLeavesTree = false;
   bool FLeavesOwner = false;  // has come to a node that does not stand under the one it was found in
   TJSONRoot* FRoot = nullptr;
+  std::vector<TJSONNode*> FFound;
   std::vector<TJSONNode*> FList;
   std::vector<TJSONNode*> FFresh;
   std::vector<TTask> FTasks;

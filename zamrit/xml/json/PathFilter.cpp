@@ -74,7 +74,8 @@ class TPathFilter::TScan {
   std::size_t FAt = 0;
 };
 
-TPathFilter::TPathFilter(StringView Item, bool IgnoreCase, int Depth) : FIgnoreCase(IgnoreCase), FDepth(Depth) {
+TPathFilter::TPathFilter(StringView Item, bool IgnoreCase, int Depth, const TJSONMemory& Memory)
+    : FIgnoreCase(IgnoreCase), FDepth(Depth), FMemory(Memory) {
   if (!Item.starts_with(u"?(")) throw EZmJSONException(_cZmJSONInvalidCharInPath1, {u"?(", Item.substr(0, 2)}, 14);
   StringView text = Item.substr(2);
   if (!text.empty()) text.remove_suffix(1);
@@ -108,13 +109,13 @@ TPathFilter::TPathFilter(StringView Item, bool IgnoreCase, int Depth) : FIgnoreC
   const auto compare = [&](TComparison Operator) {
     at(current).Kind = tkComparison;
     at(current).Operator = Operator;
-    at(current).Right = MakeOperand(scan.Operand(), false);
+    at(current).Right = MakeOperand(scan.Operand(), true);
   };
   const auto term = [&] {
     const StringView left = scan.Operand();
     const char16_t sign = scan.Char();
     const bool comparison = sign == u'!' || sign == u'=' || sign == u'<' || sign == u'>';
-    at(current).Left = MakeOperand(left, IgnoreCase && !comparison);
+    at(current).Left = MakeOperand(left, comparison);
     if (!comparison) {
       at(current).Kind = tkExists;
       return;
@@ -166,24 +167,23 @@ TPathFilter::TPathFilter(StringView Item, bool IgnoreCase, int Depth) : FIgnoreC
 
 TPathFilter::~TPathFilter() = default;
 
-TPathFilter::TOperand TPathFilter::MakeOperand(StringView Text, bool IgnoreCase) const {
-  TOperand operand{String(Text), nullptr};
-  const TZmJDOCSelectOptions options = IgnoreCase ? TZmJDOCSelectOptions{jsoCaseInsensitive} : TZmJDOCSelectOptions{};
-  operand.Path = std::make_unique<TJSONPath>(Text, options, FDepth);
+TPathFilter::TOperand TPathFilter::MakeOperand(StringView Text, bool IsCompared) const {
+  TOperand operand{String(Text), nullptr, {}};
+  TZmJDOCSelectOptions options;
+  if (FIgnoreCase && !IsCompared) options.Include(jsoCaseInsensitive);
+  if (!IsCompared || Text.starts_with(u'$') || Text.starts_with(u'@'))
+    operand.Path = std::make_unique<TJSONPath>(Text, options, FDepth, FMemory);
   return operand;
 }
 
 bool TPathFilter::Holds(TJSONTree& Tree, TJSONNode* Node, TJSONRoot* Root) {
-  if (FDepth > 1)
-    if (const auto known = FKnown.find(Node); known != FKnown.end()) return known->second;
   FTree = &Tree;
   FRoot = Root;
   FNode = Node;
   FInvalid = false;
   ++FRound;
-  const bool chain = Chain(0), holds = chain && !FInvalid;
-  if (FDepth > 1) FKnown.emplace(Node, holds);
-  return holds;
+  const bool holds = WholeChain();
+  return holds && !FInvalid;
 }
 
 TPathFilter::TTerm& TPathFilter::Fresh(int Term) {
@@ -204,8 +204,8 @@ struct TPathFilter::TFrame {
 
 // Each chain, and each rest of one, is computed once, without recursion: expressions may be nested and chained without
 // limit.
-bool TPathFilter::Chain(int Term) {
-  std::vector<TFrame> stack{{Term, true}};
+bool TPathFilter::WholeChain() {
+  std::vector<TFrame> stack{{0, true}};
   bool result = false;  // of the frame that has been left last
   while (!stack.empty()) {
     TFrame& frame = stack.back();
@@ -266,18 +266,22 @@ bool TPathFilter::Chain(int Term) {
 bool TPathFilter::ValueOf(TTerm& Term) {
   Assert(Term.Kind != tkNone, u"An expression without a value!");
   if (Term.Kind == tkComparison) return Compare(Term);
-  FFound.clear();
-  Term.Left.Path->Follow(*FTree, FNode, false, FRoot, FFound);
-  return !FFound.empty();
+  return FirstOf(Term.Left) != nullptr;
+}
+
+TJSONNode* TPathFilter::FirstOf(TOperand& Operand) {
+  if (FRoot && Operand.OfRoot) return *Operand.OfRoot;
+  const auto found = Operand.Path->Follow(*FTree, FNode, false, FRoot);
+  TJSONNode* const first = found.empty() ? nullptr : found[0];
+  if (FRoot && Operand.Path->IsOfRoot()) Operand.OfRoot = first;
+  return first;
 }
 
 Variant TPathFilter::OperandValue(TOperand& Operand) {
   if (Operand.Text.empty()) return Null();
-  if (Operand.Text[0] != u'$' && Operand.Text[0] != u'@') return Operand.Text;
-  FFound.clear();
-  Operand.Path->Follow(*FTree, FNode, false, FRoot, FFound);
-  if (FFound.empty()) return Null();
-  TJSONNode* const node = FFound[0];
+  if (!Operand.Path) return Operand.Text;
+  TJSONNode* const node = FirstOf(Operand);
+  if (!node) return Null();
   if (node->Class() == jcSimple) return ZmVarToStr(ValueOfSimple(*node));
   return TJSONNodes::ValueOf(*FTree, node)->GetValueObj()->GetAsString();
 }

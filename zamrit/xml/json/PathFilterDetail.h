@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <unordered_map>
+#include <optional>
 #include <vector>
 
 #include "zamrit/platform/Strings.h"
@@ -22,12 +22,11 @@ struct TJSONRoot {
 
 /// The expression of a filter, made of terms in chains. The terms of a chain are joined by "&&" and "||" without
 /// precedence: the first term is joined with the chain that begins at the second, the outcome with the chain that
-/// begins at the third, and so on. A filter inside another remembers what it held for: a tree that changes needs a new
-/// one.
+/// begins at the third, and so on. Its paths remember what they led to: a tree that changes needs a new filter.
 class TPathFilter {
  public:
   /// The text of the item, "?(" and all. Depth counts the filters that it stands in.
-  TPathFilter(StringView Item, bool IgnoreCase, int Depth);
+  TPathFilter(StringView Item, bool IgnoreCase, int Depth, const std::shared_ptr<std::size_t>& Memory);
   ~TPathFilter();
 
   /// Whether the expression holds for a node. Root is that of the node, or nil to look for it.
@@ -40,7 +39,8 @@ class TPathFilter {
 
   struct TOperand {
     String Text;
-    std::unique_ptr<TJSONPath> Path;  // where the text begins with "$" or "@"
+    std::unique_ptr<TJSONPath> Path;   // of all that are asked whether they lead to anything, or begin with "$" or "@"
+    std::optional<TJSONNode*> OfRoot;  // what it leads to, where that is the same for all nodes
   };
   struct TTerm {
     TKind Kind = tkNone;
@@ -57,22 +57,22 @@ class TPathFilter {
   struct TFrame;
 
   TTerm& Fresh(int Term);
-  bool Chain(int Term);
+  bool WholeChain();
   bool ValueOf(TTerm& Term);
   bool Compare(TTerm& Term);
+  TJSONNode* FirstOf(TOperand& Operand);
   Variant OperandValue(TOperand& Operand);
-  TOperand MakeOperand(StringView Text, bool IgnoreCase) const;
+  TOperand MakeOperand(StringView Text, bool IsCompared) const;
 
   std::vector<TTerm> FTerms;
   bool FIgnoreCase;
   int FDepth;
+  std::shared_ptr<std::size_t> FMemory;
   unsigned FRound = 0;
   bool FInvalid = false;
   TJSONTree* FTree = nullptr;
   TJSONNode* FNode = nullptr;
   TJSONRoot* FRoot = nullptr;
-  std::vector<TJSONNode*> FFound;
-  std::unordered_map<const TJSONNode*, bool> FKnown;  // where it stands in another filter, which may come again
 };
 
 }  // namespace zm::detail

@@ -35,8 +35,8 @@ void TZmSAXReader::KeepConstructPlace() {
   if (!FParser) return;
   const detail::TPlace place = FParser->Window().TokenPlace();
   if (place.Offset < 0) return;
-  FLineNr = static_cast<int>(place.Line);
-  FColNr = static_cast<int>(place.Column);
+  FLineNr = place.LineNr();
+  FColNr = place.ColNr();
 }
 
 void TZmSAXReader::CheckIdle() const {
