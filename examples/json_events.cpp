@@ -24,7 +24,8 @@ class TTotals : public zm::TZmJSONDefaultHandler {
 
 }  // namespace
 
-int main(int, char** Args) {
+int main(int Count, char** Args) try {
+  if (Count != 2) throw zm::Exception(u"usage: json_events FILE");
   TTotals totals;
   auto reader = zm::Create<zm::TZmJSONReader>();
   reader->SetAllowSurroundingSpace(true);
@@ -49,4 +50,9 @@ int main(int, char** Args) {
   parser.Parse("<order><total/></order>");
   parser.Parse("{\"order\": [1, 2]}");
   std::cout << '\n';
+} catch (const zm::EZmJSONParseError&) {
+  return 1;  // FatalError has told
+} catch (const zm::Exception& e) {
+  std::cerr << e.what() << '\n';
+  return 1;
 }

@@ -23,10 +23,14 @@ class TXMLPrinter : public zm::TZmSAXDefaultHandler {
   void EndDocument() override { std::cout << '\n'; }
 };
 
-int main(int, char** Args) {
+int main(int Count, char** Args) try {
+  if (Count != 2) throw zm::Exception(u"usage: json_to_xml FILE");
   TXMLPrinter printer;
   auto reader = zm::Create<zm::TZmSAXJSONReader>();
   reader->SetHandler(&printer);
   auto file = zm::Create<zm::TFileStream>(zm::FromUTF8(Args[1]), zm::fmOpenRead);
   reader->ParseStream(file.get(), zm::ZmGetCodePage(file.get()));  // a byte order mark decides, else the text itself
+} catch (const zm::Exception& e) {
+  std::cerr << e.what() << '\n';
+  return 1;
 }

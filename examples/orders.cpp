@@ -55,7 +55,8 @@ void Print(zm::TObject* Object, const zm::TRttiType* Type) {
 
 }  // namespace
 
-int main(int, char** Args) {
+int main(int Count, char** Args) try {
+  if (Count != 2) throw zm::Exception(u"usage: orders FILE");
   zm::TZmSAXLambdaHandler handler;
   handler.OnStartElement = [](zm::StringView, zm::StringView Name, zm::StringView, zm::IZmSAXAttributes& Attributes) {
     const zm::TZmTypeInfo* info = zm::TZmTypes::GetTypeInfo(Name, zm::tntName, false);
@@ -69,4 +70,7 @@ int main(int, char** Args) {
   auto reader = zm::Create<zm::TZmSAXXMLReader>();
   reader->SetHandler(&handler);
   reader->ParseFile(Args[1]);
+} catch (const zm::Exception& e) {
+  std::cerr << e.what() << '\n';
+  return 1;
 }

@@ -17,13 +17,15 @@ class TOutline : public zm::TZmSAXDefaultHandler {
   std::size_t FDepth = 0;
 };
 
-int main(int, char** Args) {
+int main(int Count, char** Args) try {
+  if (Count != 2) throw zm::Exception(u"usage: outline FILE");
   TOutline outline;
   auto reader = zm::Create<zm::TZmSAXXMLReader>();
   reader->SetHandler(&outline);
-  try {
-    reader->ParseFile(Args[1]);
-  } catch (const zm::Exception&) {
-    return 1;  // FatalError has told
-  }
+  reader->ParseFile(Args[1]);
+} catch (const zm::EZmXMLParseError&) {
+  return 1;  // FatalError has told
+} catch (const zm::Exception& e) {
+  std::cerr << e.what() << '\n';
+  return 1;
 }

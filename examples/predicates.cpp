@@ -14,7 +14,8 @@ class TPalindrome : public zm::TZmXPathFunction {
   }
 };
 
-int main(int, char** Args) {
+int main(int Count, char** Args) try {
+  if (Count != 2) throw zm::Exception(u"usage: predicates FILE");
   zm::RegisterXPathFunction<TPalindrome>(u"palindrome");
   zm::TZmDOMDocument document;
   document.LoadFromFile(Args[1]);
@@ -27,4 +28,7 @@ int main(int, char** Args) {
     for (zm::TZmDOMNode* node : *nodes) std::cout << ' ' << zm::ToUTF8(node->GetNodeValue());
     std::cout << '\n';
   }
+} catch (const zm::Exception& e) {
+  std::cerr << e.what() << '\n';
+  return 1;
 }

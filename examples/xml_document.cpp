@@ -2,7 +2,8 @@
 
 #include "zamrit/zamrit.h"
 
-int main(int, char** Args) {
+int main(int Count, char** Args) try {
+  if (Count != 2) throw zm::Exception(u"usage: xml_document FILE");
   // Loading
   zm::TZmDOMDocument document;
   document.LoadFromFile(Args[1]);
@@ -47,4 +48,7 @@ int main(int, char** Args) {
   zm::TMemoryStream saved;
   document.SaveToStream(&saved, zm::cZmPageUTF8, false, false);  // on one line, without a byte order mark
   std::cout.write(static_cast<const char*>(saved.GetMemory()), saved.GetSize()) << '\n';
+} catch (const zm::Exception& e) {
+  std::cerr << e.what() << '\n';
+  return 1;
 }

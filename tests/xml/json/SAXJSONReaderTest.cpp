@@ -188,4 +188,20 @@ TEST(SAXJSONReader, NestsAMillionDeepAndKnowsManyNames) {
   }
 }
 
+TEST(SAXJSONReader, RefusesASecondParseAsJSONReadersDo) {
+  TZmSAXJSONReader reader;
+  struct THandler : TZmSAXDefaultHandler {
+    TZmSAXJSONReader& Reader;
+    std::string Refusal;
+    explicit THandler(TZmSAXJSONReader& Of) : Reader(Of) {}
+    void StartDocument() override {
+      Refusal = Raised<EZmJSONException>([&] { Reader.Parse(u"[]"); });
+    }
+  } handler(reader);
+  reader.SetHandler(&handler);
+  reader.Parse(u"[]");
+  EXPECT_EQ(handler.Refusal, "The reader is already parsing!");
+  reader.SetHandler(nullptr);
+}
+
 }  // namespace

@@ -176,6 +176,10 @@ TZmOwner<TZmTextParser> TZmSAXJSONReader::CreateParser(TStream* Stream, bool Own
   return Create<TZmJSONTextParserEx>(Stream, OwnsStream, CodePage);
 }
 
+void TZmSAXJSONReader::RaiseAlreadyParsing() const {
+  throw EZmJSONException(_cZmJSONAlreadyParsing, jecAlreadyParsing);
+}
+
 void TZmSAXJSONReader::InternalParse() {
   const detail::TFinally forget([this] {
     FParser = nullptr;

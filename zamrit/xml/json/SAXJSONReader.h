@@ -31,7 +31,7 @@ class TZmJSONTextParserEx : public TZmJSONTextParser {
 /// ParseFile does not look for a byte order mark: files that may have one are given to ParseStream with the page that
 /// ZmGetCodePage answers.
 ///
-/// Errors are those of the JSON readers, EZmJSONParseError and EZmJSONException; a missing handler is not told to the
+/// Errors are those of the JSON readers, EZmJSONParseError and EZmJSONException, code 18 for a second parse; a missing handler is not told to the
 /// error handler. Time is linear; memory is that of the largest name or value and of the names of the open members.
 /// Nesting takes no stack.
 class TZmSAXJSONReader : public TZmSAXReader {
@@ -44,6 +44,7 @@ class TZmSAXJSONReader : public TZmSAXReader {
   TZmOwner<TZmTextParser> CreateParser(TStream* Stream, bool OwnsStream, bool DetectCodePage,
                                        std::uint16_t CodePage) override;
   void InternalParse() override;
+  [[noreturn]] void RaiseAlreadyParsing() const override;
 
   TZmJSONTextParserEx* FParser = nullptr;  // the base's parser under its own type
 

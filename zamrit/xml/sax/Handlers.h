@@ -30,8 +30,8 @@ class IZmSAXLocator : public virtual IZmInterface {
  public:
   /// The offset in the source.
   virtual std::int64_t GetPosition() = 0;
-  /// The line, from 1, and at most 2147483647. After an unexpected end of input the line on which the construct that was cut off began; -1 when
-  /// nothing is being read.
+  /// The line, from 1, and at most 2147483647. After an unexpected end of input the line on which the construct that
+  /// was cut off began; -1 when nothing is being read.
   virtual int GetLineNr() = 0;
   /// The column, from 1, in UTF-16 units; otherwise as GetLineNr.
   virtual int GetColNr() = 0;

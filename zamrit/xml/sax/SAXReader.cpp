@@ -40,8 +40,10 @@ void TZmSAXReader::KeepConstructPlace() {
 }
 
 void TZmSAXReader::CheckIdle() const {
-  if (FRunning) throw EZmXMLException(_cZmXMLAlreadyParsing, xecAlreadyParsing);
+  if (FRunning) RaiseAlreadyParsing();
 }
+
+void TZmSAXReader::RaiseAlreadyParsing() const { throw EZmXMLException(_cZmXMLAlreadyParsing, xecAlreadyParsing); }
 
 void TZmSAXReader::Run(TStream* Stream, bool DetectCodePage, std::uint16_t CodePage, StringView PublicID) {
   CheckIdle();

@@ -12,7 +12,7 @@ namespace zm {
 /// make the parser and read the document.
 ///
 /// A reader runs one parse at a time and can be used again, also after a failure. Starting a second parse from inside
-/// one raises EZmXMLException with code 14; a reader that is freed from inside an event goes when the parse has ended,
+/// one raises EZmXMLException with code 14, or what the descendant says; a reader that is freed from inside an event goes when the parse has ended,
 /// and a handler that is replaced from inside an event is released then. What a handler throws ends the parse and
 /// reaches the caller. FatalError of the error handler is first told of errors of the text and of what a handler
 /// throws, but not of an encoding that is refused or a file that cannot be opened. Handlers that are not counted must
@@ -65,6 +65,9 @@ class TZmSAXReader : public TZmObject, public IZmSAXLocator, public IZmSAXXMLRea
                                                std::uint16_t CodePage) = 0;
   /// Reads the whole document from FParser.
   virtual void InternalParse() = 0;
+
+  /// Refuses a parse while another one runs.
+  [[noreturn]] virtual void RaiseAlreadyParsing() const;
 
   /// Runs Body; a failure is told to the error handler before it goes on.
   template <class F>
