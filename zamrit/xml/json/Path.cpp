@@ -331,7 +331,8 @@ void TJSONPath::UseIndex(std::int64_t Index, TJSONNode* Node) {
 void TJSONPath::UseSlice(StringView Text, TJSONNode* Node) {
   if (Node->Class() != jcArray) return;
   std::int64_t parts[3] = {};
-  const String text = Text.starts_with(u':') ? u"0" + String(Text) : String(Text);
+  String text(Text.starts_with(u':') ? u"0" : u"");
+  text += Text;
   std::size_t from = 0;
   for (std::int64_t& part : parts) {
     const std::size_t end = std::min(text.find_first_of(u":\r\n", from), text.size());
