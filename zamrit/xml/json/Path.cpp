@@ -74,10 +74,12 @@ bool MayMeet(const std::vector<TPathItem>& Items) {
 }
 
 constexpr int cDeepestFilter = 20;
-// What a path may find where it comes to the same nodes again, what it may remember and what it may make: it could be
-// exponential otherwise.
+// What a path may find where it comes to the same nodes again, and remember, and make: it could be exponential
+// otherwise.
 constexpr std::size_t cMostRepeated = std::size_t{1} << 24;
 constexpr std::size_t cMostMade = std::size_t{1} << 20;
+// What filters keep from one candidate to the next.
+constexpr std::size_t cMostKept = std::size_t{1} << 22;
 
 }  // namespace
 
@@ -174,6 +176,7 @@ bool TJSONPath::IsOfRoot() const {
 
 std::span<TJSONNode* const> TJSONPath::Follow(TJSONTree& Tree, TJSONNode* Start, bool AsMember, TJSONRoot* Root) {
   TJSONRoot own;
+  if (*FMemory > cMostKept) Forget();
   if (FKnown.empty()) FFound.clear();
   const std::size_t begin = FFound.size();
   FTree = &Tree;
@@ -253,7 +256,8 @@ void TJSONPath::Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node)
 }
 
 // Steps that descend, one behind the other, come to a node as often as there are ways to share out the levels above it.
-// What lies behind is found the first time, and copied from then on as long as nothing is made.
+// What lies behind is found the first time, and copied from then on as long as nothing is made; in a filter the first
+// node of it.
 bool TJSONPath::FindAgain(const TPathStep& Step, TJSONNode* Node) {
   const std::size_t size = FFound.size(), made = FFresh.size();
   const auto [known, isNew] = FKnown.try_emplace({&Step, Node}, TOutcome{made, size, size});
