@@ -74,10 +74,10 @@ bool MayMeet(const std::vector<TPathItem>& Items) {
 }
 
 constexpr int cDeepestFilter = 20;
-// What a path may find where it comes to the same nodes again, and remember, and make: it could be exponential
-// otherwise.
+// What a path may find where it comes to the same nodes again, and remember, and make where each node made may lead to
+// several: it could be exponential otherwise.
 constexpr std::size_t cMostRepeated = std::size_t{1} << 24;
-constexpr std::size_t cMostMade = std::size_t{1} << 20;
+constexpr std::size_t cMostMade = std::size_t{1} << 16;
 // What filters keep from one candidate to the next.
 constexpr std::size_t cMostKept = std::size_t{1} << 22;
 
@@ -244,9 +244,11 @@ void TJSONPath::Take(TPathAlternative& Path, std::size_t Index, TJSONNode* Node)
     FTasks.push_back({Node, Index, {}, true});
   }
   FList.clear();
+  const bool branches = step.Recursive || step.BehindDescent || (Node->Has(jfFresh) && step.Items.size() > 1);
+  const std::size_t made = FFresh.size();
   for (TPathItem& item : step.Items)
     if (item.Kind == TPathItem::pkName || HasChildren(Node)) Use(item, Node);
-  if (FFresh.size() > cMostMade) RaiseTooComplex();
+  if (branches && (FMade += FFresh.size() - made) > cMostMade) RaiseTooComplex();
   if (step.Recursive && HasChildren(Node)) FTasks.push_back({Node, Index, TChildCursor(Node)});
   if (Path.IsEnd(Index + 1)) {
     FFound.insert(FFound.end(), FList.begin(), FList.end());

@@ -142,6 +142,7 @@ class TJSONPath {
   std::vector<TJSONNode*> FFound;
   std::vector<TJSONNode*> FList;
   std::vector<TJSONNode*> FFresh;
+  std::size_t FMade = 0;  // where each node made may lead to several
   std::vector<TTask> FTasks;
   std::unordered_map<TStepAtNode, TOutcome, THash> FKnown;  // where steps come to a node again
 };
