@@ -71,14 +71,16 @@ class TRefCounted : public Base, public IZmObject {
 
   void AfterConstruction() override {
     Base::AfterConstruction();
-    FRefCount = 1;
+    FRefCount.store(1, std::memory_order_relaxed);
   }
 
  private:
   // An object that may refuse to go lives on as it was when BeforeDestruction raises; one that nobody holds any more
   // goes in any case.
   void End(bool MayRefuse) {
-    const int count = FRefCount.exchange(-1);  // a reference taken and given back on the way out must not end it twice
+    // Nobody else holds it; a reference taken and given back on the way out must not end it twice.
+    const int count = FRefCount.load(std::memory_order_relaxed);
+    FRefCount.store(-1, std::memory_order_relaxed);
     try {
       this->BeforeDestruction();
     } catch (...) {

@@ -215,6 +215,20 @@ bool ComposeExactly(std::uint64_t Digits, std::ptrdiff_t Power, T& Value) {
   return true;
 }
 
+/// Mantissa * 2^(Exponent - digits of T), which T has; the mantissa fills these digits, or is the power of two above.
+template <class T>
+T Normal(std::uint64_t Mantissa, int Exponent) {
+  using TLimits = std::numeric_limits<T>;
+  if constexpr (TLimits::is_iec559 && sizeof(T) <= sizeof Mantissa) {
+    using TBits = std::conditional_t<sizeof(T) == sizeof Mantissa, std::uint64_t, std::uint32_t>;
+    constexpr TBits hidden = TBits{1} << (TLimits::digits - 1);
+    const auto field = static_cast<TBits>(Exponent + TLimits::max_exponent - 2);
+    return std::bit_cast<T>(static_cast<TBits>(field * hidden + (static_cast<TBits>(Mantissa) - hidden)));
+  } else {
+    return std::ldexp(static_cast<T>(Mantissa), Exponent - TLimits::digits);
+  }
+}
+
 /// Digits * 10^Power, correctly rounded. False where the general way has to decide.
 template <class T>
 bool Compose(std::uint64_t Digits, std::ptrdiff_t Power, T& Value) {
@@ -232,7 +246,7 @@ bool Compose(std::uint64_t Digits, std::ptrdiff_t Power, T& Value) {
     if (exponent < TLimits::min_exponent || exponent >= TLimits::max_exponent) return false;
     const auto mantissa = RoundOff(number, 64 - TLimits::digits);
     if (!mantissa || *mantissa == 0) return false;
-    Value = std::ldexp(static_cast<T>(*mantissa), exponent - TLimits::digits);
+    Value = Normal<T>(*mantissa, exponent);
     return true;
   } else {
     return ComposeExactly(Digits, Power, Value);

@@ -68,6 +68,8 @@ bool TJSONName::IsFolded(const TJSONMemberNode& Node) const {
   return SameText(NameOf(Node), FWide);
 }
 
+void TJSONTree::End() { delete this; }
+
 void TJSONTree::Recycle(TJSONNode* Node) {
   const bool member = Node->Has(jfWide);
   DropName(Node);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -130,9 +129,9 @@ class TJSONTree {
   TJSONTree(const TJSONTree&) = delete;
   TJSONTree& operator=(const TJSONTree&) = delete;
 
-  void AddRef() { FReferences.fetch_add(1, std::memory_order_relaxed); }
+  void AddRef() { ++FReferences; }
   void Release() {
-    if (FReferences.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+    if (--FReferences == 0) End();
   }
 
   TArena& Arena() { return FArena; }
@@ -179,6 +178,7 @@ class TJSONTree {
 
  private:
   ~TJSONTree() = default;
+  void End();
 
   // Most documents are smaller than a huge page.
   TArena FArena{std::size_t{1} << 20};
@@ -186,7 +186,7 @@ class TJSONTree {
   TJSONNode* FResting[2] = {};
   TJSONExtra* FFreeExtras = nullptr;
   int FViews = 0;
-  std::atomic<int> FReferences{0};
+  int FReferences = 0;
 };
 
 }  // namespace zm::detail
