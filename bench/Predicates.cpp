@@ -103,9 +103,9 @@ void AddQuery(TTable& Table, const TQuery& Query, const TOptions& Options) {
   const auto each = [&](const TTiming& timing) {
     return Fixed(timing.Median * 1e9 / static_cast<double>(candidates), isCall ? 0 : 1);
   };
-  Table.Add({"`" + std::string(Query.Path) + "`", std::to_string(candidates), std::to_string(ours), each(timings[0]),
-             each(timings[1]), each(timings[2]), each(timings[3]), Fixed(timings[0].Median / timings[1].Median, 2),
-             Fixed(timings[0].Median / timings[3].Median, 2),
+  Table.Add({std::string("`").append(Query.Path).append("`"), std::to_string(candidates), std::to_string(ours),
+             each(timings[0]), each(timings[1]), each(timings[2]), each(timings[3]),
+             Fixed(timings[0].Median / timings[1].Median, 2), Fixed(timings[0].Median / timings[3].Median, 2),
              Verdict(timings[0].Median, timings[1].Median, timings[3].Median, isCall)});
 }
 
