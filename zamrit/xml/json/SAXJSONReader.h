@@ -31,9 +31,9 @@ class TZmJSONTextParserEx : public TZmJSONTextParser {
 /// ParseFile does not look for a byte order mark: files that may have one are given to ParseStream with the page that
 /// ZmGetCodePage answers.
 ///
-/// Errors are those of the JSON readers, EZmJSONParseError and EZmJSONException, code 18 for a second parse; a missing handler is not told to the
-/// error handler. Time is linear; memory is that of the largest name or value and of the names of the open members.
-/// Nesting takes no stack.
+/// Errors are those of the JSON readers, EZmJSONParseError and EZmJSONException, code 18 for a second parse; a missing
+/// handler is not told to the error handler. Time is linear; memory is that of the largest name or value and of the
+/// names of the open members. Nesting takes no stack.
 class TZmSAXJSONReader : public TZmSAXReader {
   ZM_OBJECT(TZmSAXJSONReader, TZmSAXReader)
  public:

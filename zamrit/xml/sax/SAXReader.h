@@ -12,11 +12,11 @@ namespace zm {
 /// make the parser and read the document.
 ///
 /// A reader runs one parse at a time and can be used again, also after a failure. Starting a second parse from inside
-/// one raises EZmXMLException with code 14, or what the descendant says; a reader that is freed from inside an event goes when the parse has ended,
-/// and a handler that is replaced from inside an event is released then. What a handler throws ends the parse and
-/// reaches the caller. FatalError of the error handler is first told of errors of the text and of what a handler
-/// throws, but not of an encoding that is refused or a file that cannot be opened. Handlers that are not counted must
-/// live as long as they are set, at the longest as the reader.
+/// one raises EZmXMLException with code 14, or what the descendant says; a reader that is freed from inside an event
+/// goes when the parse has ended, and a handler that is replaced from inside an event is released then. What a handler
+/// throws ends the parse and reaches the caller. FatalError of the error handler is first told of errors of the text
+/// and of what a handler throws, but not of an encoding that is refused or a file that cannot be opened. Handlers that
+/// are not counted must live as long as they are set, at the longest as the reader.
 class TZmSAXReader : public TZmObject, public IZmSAXLocator, public IZmSAXXMLReader {
   ZM_OBJECT(TZmSAXReader, TZmObject)
  public:
