@@ -45,7 +45,7 @@ TZmOwner<TZmXPathBaseTerm> CreateFunctionTerm(StringView Name, TZmXPathEquation*
   const TFunctions& functions = RegisteredFunctions();
   const auto found = functions.find(String(Name));
   if (found == functions.end()) throw EZmDomSyntax(u"The filter contains an unsupported function (%s)!", {Name});
-  if (!found->second.IsOwn) Equation->NotePlace();
+  if (Equation && !found->second.IsOwn) Equation->NotePlace();
   return found->second.Class.Create(Equation, Parser);
 }
 
