@@ -144,6 +144,17 @@ TEST(TextParser, SkipsWhileTheComparisonHolds) {
     });
 }
 
+TEST(TextParser, TakesANarrowOperandForItsCodePoint) {
+  int wide = 0;
+  EachSource(u"\u00E9\u00E9x", [&wide](TZmTextParser& parser, std::uint16_t page) {
+    if (page != 1200) return;
+    ++wide;
+    SkipAsStored(parser, 1252, zm::tsoEqual, u'\u00E9');
+    EXPECT_EQ(parser.PeekString(9), u"x");
+  });
+  EXPECT_GT(wide, 0);
+}
+
 TEST(TextParser, SkipsWhileASetHoldsOrNot) {
   const std::pair<zm::TZmCharSet, zm::StringView> sets[] = {{zm::TZmCharSet::Range('\x01', ' ') | "<"sv, u" <\r\n"},
                                                             {"az<\0"sv, u"az<\0"sv},

@@ -227,6 +227,13 @@ TEST(NumbersTest, Rounds) {
   EXPECT_EQ(12345, Currency(1.23450000001).GetScaled());
   EXPECT_EQ(-10000, Currency(-1).GetScaled());
   EXPECT_EQ(9223372036854770000, Currency(922337203685477).GetScaled());
+  for (const std::int64_t scaled : {5629517387772982731, 7280706196208556553, INT64_MAX, INT64_MIN}) {
+    const Currency amount = Currency::FromScaled(scaled);
+    const std::int64_t whole = scaled / 10000, rest = scaled % 10000;
+    EXPECT_EQ(scaled, Currency(static_cast<Extended>(whole) + static_cast<Extended>(rest) / 10000).GetScaled());
+    EXPECT_EQ(static_cast<double>(static_cast<Extended>(scaled) / 10000), static_cast<double>(amount));
+  }
+  EXPECT_THROW(Currency(922337203685477.58085L), ERangeError);
   EXPECT_LT(Currency(-1), Currency(0.5));
   EXPECT_THROW(Currency(1e15), ERangeError);
 }

@@ -81,6 +81,8 @@ Extended ToExtended(const Variant& Value) {
       return static_cast<Extended>(Value.AsInteger());
     case varUInt64:
       return static_cast<Extended>(Value.AsUInt64());
+    case varCurrency:
+      return static_cast<Extended>(Value.AsCurrency().GetScaled()) / 10000;
     default:
       return Value.AsDouble();
   }

@@ -65,8 +65,10 @@ String ZmSimplifyString(StringView Text);
 /// Whether a value is null or unassigned.
 inline bool ZmVarIsEmpty(const Variant& Value) { return Value.IsNull() || Value.IsEmpty(); }
 
-// The value in a type. Null and unassigned give the default. What cannot be converted gives the default too or, with
-// Raise, raises what the conversion of Variant raises.
+/// \name The value in a type
+/// Null and unassigned give the default. What cannot be converted gives the default too or, with Raise, raises what the
+/// conversion of Variant raises.
+///@{
 bool ZmVarToBool(const Variant& Value, bool Default, bool Raise = false);
 std::int32_t ZmVarToInt(const Variant& Value, std::int32_t Default, bool Raise = false);
 std::int64_t ZmVarToInt64(const Variant& Value, std::int64_t Default, bool Raise = false);
@@ -74,6 +76,7 @@ double ZmVarToDouble(const Variant& Value, double Default, bool Raise = false);
 Extended ZmVarToExtended(const Variant& Value, Extended Default, bool Raise = false);
 String ZmVarToStr(const Variant& Value, StringView Default = u"", bool Raise = false);
 TDateTime ZmVarToDateTime(const Variant& Value, TDateTime Default, bool Raise = false);
+///@}
 /// The value as a boolean, as 1 or 0; the default, as it is, where it has none.
 int ZmVarBool(const Variant& Value, int Default);
 

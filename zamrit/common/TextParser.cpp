@@ -211,8 +211,8 @@ void TZmTextParser::SkipUnitsWhile(Test Goes) {
 template <class U>
 void TZmTextParser::SkipUnits(TZmTextParserSkipOp Op, U C) {
   using Lanes = detail::TVectorLanes<U>;
-  if (FWindow.UnitSize() != sizeof(U)) return SkipWhile(Op, static_cast<char16_t>(C));
   const auto value = [](U u) { return static_cast<std::make_unsigned_t<U>>(u); };
+  if (FWindow.UnitSize() != sizeof(U)) return SkipWhile(Op, static_cast<char16_t>(value(C)));
   switch (Op) {
     case tsoEqual:
       return SkipUnitsWhile<U>([C](U u) { return u == C; });

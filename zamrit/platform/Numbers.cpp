@@ -411,9 +411,11 @@ String WriteFloat(T Value, char16_t Separator) {
   return text.Widen(Separator);
 }
 
+[[noreturn]] void RaiseNotWhole() { throw ERangeError(u"The value does not fit an integer"); }
+
 template <class T>
 std::int64_t ToWhole(T Value) {
-  if (!(Value >= T{-0x1p63} && Value < T{0x1p63})) throw ERangeError(u"The value does not fit an integer");
+  if (!(Value >= T{-0x1p63} && Value < T{0x1p63})) RaiseNotWhole();
   return static_cast<std::int64_t>(Value);
 }
 
@@ -427,7 +429,16 @@ std::int64_t RoundToEven(T Value) {
 
 }  // namespace
 
-Currency::Currency(Extended Value) : FScaled(RoundToEven(Value * 10000)) {}
+// The whole and the rest are scaled apart, as the product of all digits need not fit an Extended.
+Currency::Currency(Extended Value) {
+  const Extended whole = std::trunc(Value);
+  const std::int64_t units = ToWhole(whole), rest = RoundToEven((Value - whole) * 10000);
+  constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+  const bool fits = units >= -(most / 10000) && units <= most / 10000 &&
+                    (rest > 0 ? units * 10000 <= most - rest : units * 10000 >= -most - 1 - rest);
+  if (!fits) RaiseNotWhole();
+  FScaled = units * 10000 + rest;
+}
 
 std::int32_t StrToInt(StringView Text) { return NeedWhole<std::int32_t>(Text); }
 bool TryStrToInt(StringView Text, std::int32_t& Value) { return ReadWhole(Text, Value); }

@@ -25,7 +25,7 @@ class Currency {
     return result;
   }
   constexpr std::int64_t GetScaled() const { return FScaled; }
-  explicit operator double() const { return static_cast<double>(FScaled) / 10000; }
+  explicit operator double() const { return static_cast<double>(static_cast<Extended>(FScaled) / 10000); }
   friend constexpr auto operator<=>(Currency Left, Currency Right) = default;
 
  private:

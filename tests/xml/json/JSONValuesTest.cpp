@@ -142,6 +142,8 @@ TEST(JSONValuesTest, ReadsAndWritesValues) {
   EXPECT_EQ(Variant(u"1"), ZmJSONToVal(u"1", u"Variant", true).AsVariant());
   for (const char16_t* type : {u"Integer", u"TSuit", u"TPlace"})
     EXPECT_EQ(0u, Raised<Exception>([&] { ZmJSONToVal(u"x", type, true); }).find("Failed to convert")) << ToUTF8(type);
+  for (const auto& form : {std::pair{u"&lt;", u"Char"}, {u"&#115;uClubs", u"TSuit"}})
+    EXPECT_EQ(0u, Raised<Exception>([&] { ZmJSONToVal(form.first, form.second, true); }).find("Failed to convert"));
   for (const char16_t* type : {u"TDate", u"TDateTime", u"string"})
     EXPECT_THROW(ZmJSONToVal(u"\\u00g1", type, true), EConvertError) << ToUTF8(type);
   EXPECT_TRUE(ZmJSONToVal(u"x", u"no such type", false).IsEmpty());

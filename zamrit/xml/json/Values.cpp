@@ -12,11 +12,15 @@
 #include "zamrit/platform/reflection/Reflection.h"
 #include "zamrit/xml/json/EscapesDetail.h"
 #include "zamrit/xml/json/JSONDocument.h"
+#include "zamrit/xml/values/DateReadingDetail.h"
 #include "zamrit/xml/values/DateTimes.h"
 #include "zamrit/xml/values/Numbers.h"
 #include "zamrit/xml/values/Values.h"
 
 namespace zm {
+
+using detail::DateFromVariant;
+using detail::DateOr;
 
 namespace {
 
@@ -103,28 +107,6 @@ TDateTime Whole(TDateTime Value) { return Value; }
 TDateTime TimeFromXML(StringView Text) { return ZmXMLToTime(Text, tzfNone); }
 TDateTime DateTimeFromXML(StringView Text) { return ZmXMLToDateTime(Text, tzfNone); }
 
-TDateTime ReadOr(TDateTime (*Read)(StringView), StringView Text, TDateTime Default) {
-  try {
-    return Read(Text);
-  } catch (const Exception&) {
-    return Default;
-  }
-}
-
-TDateTime ReadVariant(TDateTime (*Read)(StringView), const Variant& Value, TDateTime Default, StringView Name) {
-  if (Value.IsNull()) return Default;
-  switch (TZmTypes::VarMainTypeKind(Value)) {
-    case mtkInteger:
-    case mtkFloat:
-    case mtkDateTime:
-      return VarToReal(Value);
-    case mtkString:
-      return Read(Value.TextRef());
-    default:
-      throw EConvertError(u"The given value is not a valid %s value!", {Name});
-  }
-}
-
 String FloatToJSON(Extended Value) {
   if (!std::isfinite(Value)) return u"null";
   if (Value == 0 && std::signbit(Value)) return u"-0";
@@ -208,7 +190,14 @@ TSchemaName SchemaNameOf(const TZmTypeInfo& Info) {
   return {Info.TypeKind, u"any", u"", sdtAny};
 }
 
-/// What XML reads otherwise than JSON.
+/// Whether XML reads a type otherwise than JSON.
+bool HasOwnForm(const TZmTypeInfo& Info) {
+  return Info.TypeKind == rtkDate || Info.TypeKind == rtkTime || Info.TypeKind == rtkDateTime ||
+         Info.TypeKind == rtkEnumeration || Info.TypeKind == rtkSet ||
+         (Info.TypeKind >= rtkText && Info.TypeKind <= rtkString);
+}
+
+/// Reads a text of such a type. False where it does not read as one.
 bool ReadOwnForm(StringView Text, const TZmTypeInfo& Info, TValue& Result) {
   switch (Info.TypeKind) {
     case rtkDate:
@@ -223,7 +212,6 @@ bool ReadOwnForm(StringView Text, const TZmTypeInfo& Info, TValue& Result) {
     default:
       break;
   }
-  if (Info.TypeKind < rtkText || Info.TypeKind > rtkString) return false;
   if (Info.RttiType == TypeOf<ZmJSONString>())
     Result = TValue::From(ZmJSONString(Text));
   else
@@ -318,7 +306,7 @@ String ZmVarToJSON(const Variant& Value) {
     }
     if (open.empty()) return out;
     TOpen& array = open.back();
-    if (out.back() != u'[' || array.Next > VarArrayLowBound(array.Array)) out += u',';
+    if (array.Next > VarArrayLowBound(array.Array)) out += u',';
     value = VarArrayGet(array.Array, array.Next++);
   }
 }
@@ -327,18 +315,24 @@ TDateTime ZmJSONToDate(StringView Text) { return ReadJSON(Text, DateOf, ZmXMLToD
 TDateTime ZmJSONToTime(StringView Text) { return ReadJSON(Text, TimeOf, TimeFromXML); }
 TDateTime ZmJSONToDateTime(StringView Text) { return ReadJSON(Text, Whole, DateTimeFromXML); }
 
-TDateTime ZmJSONToDateDef(StringView Text, TDateTime Default) { return ReadOr(ZmJSONToDate, Text, Default); }
-TDateTime ZmJSONToTimeDef(StringView Text, TDateTime Default) { return ReadOr(ZmJSONToTime, Text, Default); }
-TDateTime ZmJSONToDateTimeDef(StringView Text, TDateTime Default) { return ReadOr(ZmJSONToDateTime, Text, Default); }
+TDateTime ZmJSONToDateDef(StringView Text, TDateTime Default) {
+  return DateOr(Default, [Text] { return ZmJSONToDate(Text); });
+}
+TDateTime ZmJSONToTimeDef(StringView Text, TDateTime Default) {
+  return DateOr(Default, [Text] { return ZmJSONToTime(Text); });
+}
+TDateTime ZmJSONToDateTimeDef(StringView Text, TDateTime Default) {
+  return DateOr(Default, [Text] { return ZmJSONToDateTime(Text); });
+}
 
 TDateTime ZmJSONToDate(const Variant& Value, TDateTime Default) {
-  return ReadVariant(ZmJSONToDate, Value, Default, u"Date");
+  return DateFromVariant(Value, Default, u"Date", [](StringView Text) { return ZmJSONToDate(Text); });
 }
 TDateTime ZmJSONToTime(const Variant& Value, TDateTime Default) {
-  return ReadVariant(ZmJSONToTime, Value, Default, u"Time");
+  return DateFromVariant(Value, Default, u"Time", [](StringView Text) { return ZmJSONToTime(Text); });
 }
 TDateTime ZmJSONToDateTime(const Variant& Value, TDateTime Default) {
-  return ReadVariant(ZmJSONToDateTime, Value, Default, u"DateTime");
+  return DateFromVariant(Value, Default, u"DateTime", [](StringView Text) { return ZmJSONToDateTime(Text); });
 }
 
 String ZmJSONType(const TZmTypeInfo* TypeInfo, String& Format, TZmSchemaDataType* SchemaType) {
@@ -357,9 +351,10 @@ TValue ZmJSONToVal(StringView Text, const TZmTypeInfo* TypeInfo, bool Raise) {
     if (Raise) throw EZmUnknownType(u"The type is unknown!");
     return TValue();
   }
+  if (!TypeInfo->RttiType || !HasOwnForm(*TypeInfo)) return ZmXMLToValue(Text, TypeInfo);
   TValue value;
-  if (TypeInfo->RttiType && ReadOwnForm(Text, *TypeInfo, value)) return value;
-  return ZmXMLToValue(Text, TypeInfo);
+  if (!ReadOwnForm(Text, *TypeInfo, value)) detail::RaiseNotConverted(Text, TypeInfo->Name);
+  return value;
 }
 
 TValue ZmJSONToVal(StringView Text, StringView TypeName, bool Raise) {

@@ -26,9 +26,9 @@ class TZmSAXXMLReader : public TZmSAXReader {
   TZmSAXXMLReader();
   ~TZmSAXXMLReader() override;
 
-  /// Whether a document has one root and nothing but white space, comments and instructions behind it, and text cut off
-  /// by the end of the input is refused: true at first. When false, text and further elements are taken at the top
-  /// level and the cut-off text is delivered. A change counts from the next parse on.
+  /// Whether a document has one root and nothing but white space, comments, instructions and CDATA sections behind it,
+  /// and text cut off by the end of the input is refused: true at first. When false, text and further elements are
+  /// taken at the top level and the cut-off text is delivered. A change counts from the next parse on.
   bool GetCheckSingleRootElement() const { return FCheckSingleRootElm; }
   void SetCheckSingleRootElement(bool Value) { FCheckSingleRootElm = Value; }
 

@@ -7,8 +7,13 @@
 #include "zamrit/common/ZmTypes.h"
 #include "zamrit/platform/Exceptions.h"
 #include "zamrit/platform/Numbers.h"
+#include "zamrit/xml/values/DateReadingDetail.h"
 
 namespace zm {
+
+using detail::DateFromVariant;
+using detail::DateOr;
+
 namespace {
 
 TZmTimeZoneFormat ZoneFormat(TZmXMLDateTimeFormat Format) {
@@ -100,32 +105,6 @@ TDateTime ApplyZone(TDateTime Value, const TZmDateTimeParts& Parts, TZmTimeZoneF
   return Wanted == tzfUTC ? Value : ZmUTCToLocal(Value);
 }
 
-// The outcome of Read, or the default where it raises.
-template <class F>
-TDateTime OrDefault(TDateTime Default, F Read) {
-  try {
-    return Read();
-  } catch (const Exception&) {
-    return Default;
-  }
-}
-
-// A Variant as a number of days; text by ReadText.
-template <class F>
-TDateTime FromVariant(const Variant& Value, TDateTime Default, const char16_t* TypeName, F ReadText) {
-  if (Value.IsNull()) return Default;
-  switch (TZmTypes::VarMainTypeKind(Value)) {
-    case mtkInteger:
-    case mtkFloat:
-    case mtkDateTime:
-      return VarToReal(Value);
-    case mtkString:
-      return ReadText(Value.TextRef());
-    default:
-      throw EConvertError(u"The given value is not a valid %s value!", {TypeName});
-  }
-}
-
 }  // namespace
 
 #define ZM_WRITERS(Name, Parts)                                                                             \
@@ -148,11 +127,11 @@ TDateTime ZmXMLToDate(StringView Text) {
 }
 
 TDateTime ZmXMLToDate(const Variant& Value, TDateTime Default) {
-  return FromVariant(Value, Default, u"Date", [](StringView Text) { return ZmXMLToDate(Text); });
+  return DateFromVariant(Value, Default, u"Date", [](StringView Text) { return ZmXMLToDate(Text); });
 }
 
 TDateTime ZmXMLToDateDef(StringView Text, TDateTime Default) {
-  return OrDefault(Default, [Text] { return ZmXMLToDate(Text); });
+  return DateOr(Default, [Text] { return ZmXMLToDate(Text); });
 }
 
 TDateTime ZmXMLToTime(StringView Text, TZmTimeZoneFormat Format) {
@@ -169,21 +148,22 @@ TDateTime ZmXMLToDateTime(StringView Text, TZmTimeZoneFormat Format) {
   return ApplyZone(parts.Negative ? TDateTime(-value) : value, parts, Format);
 }
 
-#define ZM_READERS(Name)                                                                                              \
-  TDateTime ZmXMLTo##Name(StringView Text, TZmXMLDateTimeFormat Format) {                                             \
-    return ZmXMLTo##Name(Text, ZoneFormat(Format));                                                                   \
-  }                                                                                                                   \
-  TDateTime ZmXMLTo##Name(const Variant& Value, TDateTime Default, TZmTimeZoneFormat Format) {                        \
-    return FromVariant(Value, Default, u## #Name, [Format](StringView Text) { return ZmXMLTo##Name(Text, Format); }); \
-  }                                                                                                                   \
-  TDateTime ZmXMLTo##Name(const Variant& Value, TDateTime Default, TZmXMLDateTimeFormat Format) {                     \
-    return ZmXMLTo##Name(Value, Default, ZoneFormat(Format));                                                         \
-  }                                                                                                                   \
-  TDateTime ZmXMLTo##Name##Def(StringView Text, TDateTime Default, TZmTimeZoneFormat Format) {                        \
-    return OrDefault(Default, [=] { return ZmXMLTo##Name(Text, Format); });                                           \
-  }                                                                                                                   \
-  TDateTime ZmXMLTo##Name##Def(StringView Text, TDateTime Default, TZmXMLDateTimeFormat Format) {                     \
-    return ZmXMLTo##Name##Def(Text, Default, ZoneFormat(Format));                                                     \
+#define ZM_READERS(Name)                                                                          \
+  TDateTime ZmXMLTo##Name(StringView Text, TZmXMLDateTimeFormat Format) {                         \
+    return ZmXMLTo##Name(Text, ZoneFormat(Format));                                               \
+  }                                                                                               \
+  TDateTime ZmXMLTo##Name(const Variant& Value, TDateTime Default, TZmTimeZoneFormat Format) {    \
+    return DateFromVariant(Value, Default, u## #Name,                                             \
+                           [Format](StringView Text) { return ZmXMLTo##Name(Text, Format); });    \
+  }                                                                                               \
+  TDateTime ZmXMLTo##Name(const Variant& Value, TDateTime Default, TZmXMLDateTimeFormat Format) { \
+    return ZmXMLTo##Name(Value, Default, ZoneFormat(Format));                                     \
+  }                                                                                               \
+  TDateTime ZmXMLTo##Name##Def(StringView Text, TDateTime Default, TZmTimeZoneFormat Format) {    \
+    return DateOr(Default, [=] { return ZmXMLTo##Name(Text, Format); });                          \
+  }                                                                                               \
+  TDateTime ZmXMLTo##Name##Def(StringView Text, TDateTime Default, TZmXMLDateTimeFormat Format) { \
+    return ZmXMLTo##Name##Def(Text, Default, ZoneFormat(Format));                                 \
   }
 
 ZM_READERS(Time)

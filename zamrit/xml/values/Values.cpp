@@ -321,7 +321,7 @@ TValue ZmXMLToValue(StringView Text, const TZmTypeInfo* TypeInfo) {
     } catch (const EConvertError&) {  // told below
     } catch (const ERangeError&) {
     }
-    throw Exception(u"Failed to convert the value \"%s\" to a value of type %s!", {Text, name});
+    detail::RaiseNotConverted(Text, name);
   }
   throw Exception(u"Failed to convert \"%s\" into a TValue!\r\nThe type %s is not supported.", {Text, name});
 }
@@ -379,6 +379,10 @@ String ZmValToXML(const TValue& Value) {
 }
 
 namespace detail {
+
+void RaiseNotConverted(StringView Text, StringView TypeName) {
+  throw Exception(u"Failed to convert the value \"%s\" to a value of type %s!", {Text, TypeName});
+}
 
 const TZmTypeInfo* TypeOfAnyName(StringView Name) {
   for (TZmTypeNameType by : {tntName, tntQualifiedName})

@@ -23,11 +23,13 @@ String ZmXMLToStr(const Variant& Value, StringView Default);
 /// Reads a text as a Variant of a simple kind, in its own width. Raises Exception "Failed to convert the value "%s" to
 /// a variant value of type %s!" for another kind or a text that does not read as one.
 Variant ZmXMLToVariant(StringView Text, TZmTypeKind Kind);
-/// The same for a type by any of its names, through the Variant type code of the type.
+/// The same for a type by any of its names, through the Variant type code of the type, which must be one of those
+/// below: Byte, Word, LongWord, ShortInt and UInt64 are read by their kinds alone.
 Variant ZmXMLToVariant(StringView Text, StringView TypeName);
 /// The same for the Variant type codes 2 to 8, 11, 12, 20, 256 and 258, and for arrays of them, which are read from
-/// what ZmVariantToXML writes. A Variant becomes a text, or an array where the text is one. Raises Exception
-/// "ZmXMLToVariant(%s); Unsupported VarType" for another code, and what the readers raise for texts.
+/// what ZmVariantToXML writes. A Variant becomes a text, or an array where the text is one. Arrays begin at 0 and nest
+/// up to 64 levels. Raises Exception "ZmXMLToVariant(%s); Unsupported VarType" for another code, and what the readers
+/// raise for texts.
 Variant ZmXMLToVariant(StringView Text, std::uint16_t VarType);
 
 /// Reads a text as a value of a simple type. Raises Exception "Failed to convert the value "%s" to a value of type %s!"
@@ -44,6 +46,9 @@ namespace detail {
 
 /// The descriptor of a type under any of its names. EZmUnknownType where there is none.
 const TZmTypeInfo* TypeOfAnyName(StringView Name);
+
+/// Raises Exception: the text does not read as a value of the type.
+[[noreturn]] void RaiseNotConverted(StringView Text, StringView TypeName);
 
 /// The value of an enumeration or set by name or number. Returns false where the text is neither.
 bool TextToOrdinal(StringView Text, const TRttiType& Type, TValue& Result);
