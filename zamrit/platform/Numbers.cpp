@@ -14,6 +14,7 @@
 #include <limits>
 #include <string>
 #include <system_error>
+#include <type_traits>
 
 #include "zamrit/platform/PowersOfTenDetail.h"
 

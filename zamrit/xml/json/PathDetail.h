@@ -79,9 +79,6 @@ class TPathAlternative {
   std::deque<TPathStep> FSteps;
 };
 
-/// How much the paths of a selection remember, those in its filters among them.
-using TJSONMemory = std::shared_ptr<std::size_t>;
-
 /// A path that can be followed from one node after the other.
 class TJSONPath {
  public:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -14,6 +15,9 @@ class TJSONPath;
 class TJSONTree;
 struct TJSONNode;
 
+/// How much the paths of a selection remember, those in its filters among them.
+using TJSONMemory = std::shared_ptr<std::size_t>;
+
 /// The root that the nodes of a selection stand under, looked up when it is asked for first.
 struct TJSONRoot {
   bool IsKnown = false;
@@ -26,7 +30,7 @@ struct TJSONRoot {
 class TPathFilter {
  public:
   /// The text of the item, "?(" and all. Depth counts the filters that it stands in.
-  TPathFilter(StringView Item, bool IgnoreCase, int Depth, const std::shared_ptr<std::size_t>& Memory);
+  TPathFilter(StringView Item, bool IgnoreCase, int Depth, const TJSONMemory& Memory);
   ~TPathFilter();
 
   /// Whether the expression holds for a node. Root is that of the node, or nil to look for it.
@@ -67,7 +71,7 @@ class TPathFilter {
   std::vector<TTerm> FTerms;
   bool FIgnoreCase;
   int FDepth;
-  std::shared_ptr<std::size_t> FMemory;
+  TJSONMemory FMemory;
   unsigned FRound = 0;
   bool FInvalid = false;
   TJSONTree* FTree = nullptr;

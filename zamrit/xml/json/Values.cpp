@@ -190,15 +190,8 @@ TSchemaName SchemaNameOf(const TZmTypeInfo& Info) {
   return {Info.TypeKind, u"any", u"", sdtAny};
 }
 
-/// Whether XML reads a type otherwise than JSON.
-bool HasOwnForm(const TZmTypeInfo& Info) {
-  return Info.TypeKind == rtkDate || Info.TypeKind == rtkTime || Info.TypeKind == rtkDateTime ||
-         Info.TypeKind == rtkEnumeration || Info.TypeKind == rtkSet ||
-         (Info.TypeKind >= rtkText && Info.TypeKind <= rtkString);
-}
-
-/// Reads a text of such a type. False where it does not read as one.
-bool ReadOwnForm(StringView Text, const TZmTypeInfo& Info, TValue& Result) {
+/// Reads what JSON writes otherwise than XML by its own form. False where the text has not got it.
+bool ReadForm(StringView Text, const TZmTypeInfo& Info, TValue& Result) {
   switch (Info.TypeKind) {
     case rtkDate:
       return TValue::From(TDate(ZmJSONToDate(Text))).TryCast(Info.RttiType, Result);
@@ -214,8 +207,10 @@ bool ReadOwnForm(StringView Text, const TZmTypeInfo& Info, TValue& Result) {
   }
   if (Info.RttiType == TypeOf<ZmJSONString>())
     Result = TValue::From(ZmJSONString(Text));
-  else
+  else if (Info.TypeKind >= rtkText && Info.TypeKind <= rtkString)
     return TValue::From(ZmJSONtoStr(Text, jdtNull)).TryCast(Info.RttiType, Result);
+  else
+    Result = ZmXMLToValue(Text, &Info);
   return true;
 }
 
@@ -351,9 +346,9 @@ TValue ZmJSONToVal(StringView Text, const TZmTypeInfo* TypeInfo, bool Raise) {
     if (Raise) throw EZmUnknownType(u"The type is unknown!");
     return TValue();
   }
-  if (!TypeInfo->RttiType || !HasOwnForm(*TypeInfo)) return ZmXMLToValue(Text, TypeInfo);
+  if (!TypeInfo->RttiType) return ZmXMLToValue(Text, TypeInfo);
   TValue value;
-  if (!ReadOwnForm(Text, *TypeInfo, value)) detail::RaiseNotConverted(Text, TypeInfo->Name);
+  if (!ReadForm(Text, *TypeInfo, value)) detail::RaiseNotConverted(Text, TypeInfo->Name);
   return value;
 }
 

@@ -40,7 +40,8 @@ class TZmSAXReader : public TZmObject, public IZmSAXLocator, public IZmSAXXMLRea
   void SetFeature(StringView, bool) override {}
   void SetProperty(StringView, const Variant&) override {}
 
-  /// Reads a stream of the caller's from its present position on. CodePage 0 means that the text itself tells.
+  /// Reads a stream of the caller's from its present position on. CodePage 0 means that the text itself tells,
+  /// though not by a byte order mark.
   void ParseStream(TStream* Stream, std::uint16_t CodePage = 0, StringView PublicID = {}) override;
   /// Reads a file; a byte order mark decides the encoding, else the text itself. Raises EFOpenError naming the file
   /// when it cannot be opened.
